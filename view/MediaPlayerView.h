@@ -12,9 +12,10 @@
 #include <QtGui/QWindow>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickView>
-#include <QtWidgets/QWidget>
+#include <QtQuickWidgets/QQuickWidget>
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 
 class cThread;
@@ -185,38 +186,65 @@ public:
     bool bound = false;
 
     /// Quick widgets of controls that are gone; deleted when the video object has left them.
-    QList<QPointer<QWidget>> widgetsLeftBehind;
+    QList<QPointer<QQuickWidget>> widgetsLeftBehind;
 
     /// True while `view` is a view of this process that is not ending. Accepts any address.
-    static bool isUsable(const MediaPlayerView *view);
+    static bool isUsable(MediaPlayerView *view);
 
     /// Marks the view as ending and has it deleted at the next turn of the event loop.
     void endLater();
 
-    // The rest expects what it says about `lock` and is for the view's own files.
+    // The rest is for the view's own files. GUI thread and `lock` not held, unless it says so.
 
-    void updatePass(); // update thread, not held
-    void publish(); // update thread, not held
-    void handleError(GstMessage *message); // held
-    void handleEndOfStream(); // held
-    void handleStateChanged(GstMessage *message); // held
-    void callSceneOfPipeline(const char *function, const QString &text); // any thread
-    void callScene(const char *function); // GUI, queued
-    void showOverlay(const QString &text); // GUI, queued
-    void placeVideoItem(); // GUI, not held
-    void attachVideoObject(); // GUI, not held
-    void applyVolume(); // GUI
-    void report(bool loaded); // takes it
-    void runCommand(std::int32_t command); // GUI, not held
-    bool loadCached(const QSharedPointer<PipelineCtx> &record); // takes it
-    bool buildRecord(const QByteArray &uri, const QString &key);
-    bool refuseUnsupported();
-    void makeCurrent(const PipelineCtx &record); // held
-    void retireCurrent(); // held
-    void bindVideoItem(PipelineCtx &record); // not held
-    bool awaitNull(GstElement *element); // any
-    void releaseRecord(PipelineCtx &record); // elements no longer reachable
-    void forgetElements(); // held
+    // view/
+    void attachVideoObject();
+    void moveHostItemToOrigin();
+    void pauseForSave();
+    void resumeAfterRestore();
+    void placeVideoItem();
+    void dropWidgetsLeftBehind();
+    void silence(); // at exit: ends what runs, deletes nothing
+
+    // The overlay, always by a posted call. The first two may be called with the lock held; the
+    // next two are the update thread's, with the lock held, and are dropped when another pipeline
+    // is current by the time they arrive.
+    void showOverlay(const QString &text);
+    void hideOverlay();
+    void showOverlayOfPipeline(const QString &text);
+    void hideOverlayOfPipeline();
+    void postForPipeline(std::function<void()> call);
+
+    // pipeline/
+    void loadCached(const PipelineCtx &record);
+    bool buildNew(const QByteArray &uri, const QString &key);
+    void bindVideoItem(PipelineCtx &record);
+    void refuseUnsupported();
+    void abandon(PipelineCtx &record);
+    void makeCurrent(const PipelineCtx &record); // lock held
+    void retireCurrent(); // lock held
+    void releaseCurrent(); // lock held, or the thread joined
+    void releaseCache(); // the thread joined
+    static void releaseRecord(PipelineCtx &record);
+    static void awaitNull(GstElement *element);
+    static void emptyBus(GstElement *element);
+    static GstStateChangeReturn changeState(GstElement *element, GstState state); // any thread
+    void nextGeneration(); // any thread
+
+    // update/
+    void updatePass(); // update thread
+    bool drainBus(GstElement *current); // update thread; false when it is no longer current
+    void publish(GstElement *current); // update thread
+    bool listensTo(const GstElement *candidate); // update thread, lock held
+    void handleError(); // lock held, like the next three
+    void handleEndOfStream();
+    void handleStateChanged(GstMessage *message);
+    void dumpGraph();
+    void runCommand(std::int32_t command);
+    void commandPlayState();
+    void commandSeek();
+    void commandTransform();
+    void applyVolume();
+    void report(bool done);
 };
 
 Q_DECLARE_METATYPE(GstState)

@@ -1,0 +1,95 @@
+#include "view/MediaPlayerView.h"
+
+#include "diagnostics/Trace.h"
+#include "update/cThread.h"
+#include "update/updateThread.h"
+#include "view/AtomicAccess.h"
+#include "view/liveViews.h"
+
+namespace
+{
+
+constexpr int threadStackBytes = 131072;
+
+// One byte too long for the platform, which refuses it: the thread keeps the process's own name,
+// as hosts and their tools know it.
+char threadName[] = "MediaPlayerUpdate";
+
+} // namespace
+
+MediaPlayerView::MediaPlayerView(QWindow *hostWindow, QQuickItem *hostItem, QObject *hostContext)
+    : QQuickView(hostWindow), window(hostWindow), parentItem(hostItem), context(hostContext)
+{
+    traceLine("MediaPlayerView::MediaPlayerView");
+    addLiveView(this);
+    moveHostItemToOrigin();
+    thread = new cThread;
+    thread->threadInit(1, SCHED_OTHER, 0, threadStackBytes);
+    if (thread->trylockThreadMutex() == 0)
+        thread->createThread(tUpdateThread, this, threadName);
+    init();
+    initQuickWidget();
+}
+
+// Hiding, and clearing pipelineActive, come first: the update thread gives up what it is at. The
+// video object goes while no lock is held, since its end runs slots of this view and of the
+// controls bound to it, which may take the pipeline down before this function does.
+MediaPlayerView::~MediaPlayerView()
+{
+    traceLine("MediaPlayerView::~MediaPlayerView");
+    hide();
+    storeRelease(pipelineActive, false);
+    {
+        const std::lock_guard guard(lock);
+        storeRelease(ending, true);
+    }
+    delete videoObject.data();
+    if (params && params->view == this)
+        params->view = nullptr;
+    {
+        const std::lock_guard guard(lock);
+        if (pipeline)
+            gstElementSetState(GST_STATE_NULL);
+    }
+    traceLine("MediaPlayerView::destroy thread");
+    thread->destroyThread();
+    if (pipeline) {
+        // The thread may have been inside a sequence that raised the pipeline once more.
+        gst_element_set_state(pipeline, GST_STATE_NULL);
+        awaitNull(pipeline);
+        releaseCurrent();
+    }
+    delete thread;
+    releaseCache();
+    removeLiveView(this);
+}
+
+void MediaPlayerView::updateReferences(QWindow *hostWindow, QQuickItem *hostItem,
+                                       QObject *hostContext)
+{
+    traceLine("MediaPlayerView::updateReferences");
+    window = hostWindow;
+    parentItem = hostItem;
+    context = hostContext;
+    // The view goes with its host's window, so it belongs to the one that shows it now. A widget
+    // host gives no window: the view then stays where it is.
+    if (hostWindow && hostWindow != parent())
+        setParent(hostWindow);
+    if (!rebindPending || !switchedOn(enableWorkaround))
+        return;
+    const std::lock_guard guard(lock);
+    storeRelaxed(rebindPending, false);
+    storeRelaxed(params->busy, std::int8_t(0));
+    storeRelaxed(params->error, std::int8_t(0));
+    storeRelaxed(params->done, std::int8_t(1));
+}
+
+void MediaPlayerView::endLater()
+{
+    storeRelease(pipelineActive, false);
+    {
+        const std::lock_guard guard(lock);
+        storeRelease(ending, true);
+    }
+    deleteLater();
+}

@@ -1,0 +1,62 @@
+#include "view/liveViews.h"
+
+#include "update/cThread.h"
+#include "view/AtomicAccess.h"
+#include "view/MediaPlayerView.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace
+{
+
+// Never destroyed: a host may destroy its application object, and so come to endLiveViews(), after
+// the library's static objects are gone.
+std::vector<MediaPlayerView *> &liveViews()
+{
+    static auto *views = new std::vector<MediaPlayerView *>;
+    return *views;
+}
+
+// A process that calls exit() without deleting its application object comes here with its players
+// alive. Qt is going, so they are not deleted; but nothing of ours may run on.
+struct AtExit {
+    ~AtExit()
+    {
+        for (MediaPlayerView *view : liveViews())
+            view->silence();
+    }
+};
+
+} // namespace
+
+void addLiveView(MediaPlayerView *view)
+{
+    static const AtExit atExit;
+    liveViews().push_back(view);
+}
+
+void removeLiveView(MediaPlayerView *view)
+{
+    std::erase(liveViews(), view);
+}
+
+void endLiveViews()
+{
+    while (!liveViews().empty())
+        delete liveViews().back();
+}
+
+bool MediaPlayerView::isUsable(MediaPlayerView *view)
+{
+    const auto &views = liveViews();
+    return std::find(views.begin(), views.end(), view) != views.end() && !view->ending;
+}
+
+void MediaPlayerView::silence()
+{
+    storeRelease(pipelineActive, false);
+    thread->destroyThread();
+    if (pipeline)
+        gst_element_set_state(pipeline, GST_STATE_NULL);
+}

@@ -1,0 +1,15 @@
+#ifndef LIVEVIEWS_H
+#define LIVEVIEWS_H
+
+class MediaPlayerView;
+
+// The views of this process, kept so that a record's `view` can be checked before it is followed,
+// and so that the application's end finds those that are still alive. GUI thread.
+
+void addLiveView(MediaPlayerView *view);
+void removeLiveView(MediaPlayerView *view);
+
+/// Deletes the views that are still alive.
+void endLiveViews();
+
+#endif
