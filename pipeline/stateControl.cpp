@@ -9,9 +9,11 @@ namespace
 constexpr GstClockTime pollTime = 10 * GST_MSECOND;
 constexpr GstClockTime waitBudget = GST_SECOND;
 
+// GStreamer climbs towards a number beyond its states for ever, with a warning a step. VOID_PENDING
+// is one of its states, and asking for it changes nothing.
 bool isState(GstState state)
 {
-    return state > GST_STATE_VOID_PENDING && state <= GST_STATE_PLAYING;
+    return state >= GST_STATE_VOID_PENDING && state <= GST_STATE_PLAYING;
 }
 
 /// Whether the element is, or is on its way to be, above READY.
@@ -48,11 +50,12 @@ GstStateChangeReturn MediaPlayerView::gstElementSetState(GstState state)
     if (!current || !isState(state))
         return GST_STATE_CHANGE_FAILURE;
 
-    const bool endsRun = state <= GST_STATE_READY && isAboveReady(current);
-    if (state <= GST_STATE_READY)
+    const bool down = state == GST_STATE_NULL || state == GST_STATE_READY;
+    const bool endsRun = state == GST_STATE_READY && isAboveReady(current);
+    if (down)
         nextGeneration();
     const GstStateChangeReturn result = changeState(current, state);
-    if (endsRun && state == GST_STATE_READY)
+    if (endsRun)
         emptyBus(current);
     return result;
 }
