@@ -35,6 +35,7 @@ MediaPlayerControl::MediaPlayerControl(QWidget *parent, int left, int top, int r
     traceLine("MediaPlayerControl::MediaPlayerControl Widget");
     quickWidget = new QQuickWidget(parent);
     quickWidget->setResizeMode(QQuickWidget::SizeRootObjectToView);
+    quickWidget->setClearColor(Qt::black); // what a picture with bars or a border leaves free
     quickWidget->setSource(QUrl::fromLocalFile(sceneFile("QMLView.qml")));
     QQuickItem *const root = quickWidget->rootObject();
     if (root)
@@ -113,7 +114,7 @@ int MediaPlayerControl::SysNativeControlSetSettings(char *key, void *value)
         view->updateReferences(window, parentItem, nullptr);
     } else {
         view = new MediaPlayerView(window, parentItem, nullptr);
-        block->view = view;
+        storeRelaxed(block->view, view.data());
     }
     if (!view)
         return 1;

@@ -45,7 +45,7 @@ MediaPlayerView::~MediaPlayerView()
     }
     delete videoObject.data();
     if (params && params->view == this)
-        params->view = nullptr;
+        storeRelaxed(params->view, nullptr);
     {
         const std::lock_guard guard(lock);
         if (pipeline)
