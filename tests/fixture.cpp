@@ -1,0 +1,266 @@
+#include "tests/fixture.h"
+
+#include <QtQuick/QQuickWindow>
+#include <QtQuickWidgets/QQuickWidget>
+#include <QtWidgets/QApplication>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <thread>
+
+namespace
+{
+
+constexpr std::size_t pageSize = 4096;
+constexpr char stray = '\xa5';
+constexpr std::pair<int, int> strayBytes[] = {{4, 4},   {20, 4},  {139, 1}, {144, 4},
+                                              {149, 1}, {158, 2}, {180, 4}};
+
+/// The record lies at the very end of the memory that may be touched.
+void *mapPages()
+{
+    void *pages =
+        mmap(nullptr, 2 * pageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pages == MAP_FAILED || mprotect(static_cast<char *>(pages) + pageSize, pageSize, PROT_NONE))
+        qFatal("no memory for a record");
+    return pages;
+}
+
+MediaPlayerParams *recordIn(void *pages)
+{
+    return reinterpret_cast<MediaPlayerParams *>(static_cast<char *>(pages) + pageSize
+                                                 - sizeof(MediaPlayerParams));
+}
+
+char letterOf(const QColor &colour)
+{
+    static const QHash<char, QColor> letters = {
+        {'R', Qt::red},    {'G', Qt::green}, {'B', Qt::blue},   {'W', Qt::white},
+        {'Y', Qt::yellow}, {'K', Qt::black}, {'M', Qt::magenta}};
+    constexpr int tolerance = 60; // videos come back a little off
+    for (auto entry = letters.begin(); entry != letters.end(); ++entry) {
+        if (qAbs(colour.red() - entry->red()) < tolerance
+            && qAbs(colour.green() - entry->green()) < tolerance
+            && qAbs(colour.blue() - entry->blue()) < tolerance)
+            return entry.key();
+    }
+    return '?';
+}
+
+} // namespace
+
+Host::Host(Kind hostKind, QSize size)
+    : kind(hostKind), m_pages(mapPages()), record(*recordIn(m_pages))
+{
+    for (const auto &[offset, length] : strayBytes)
+        std::memset(reinterpret_cast<char *>(&record) + offset, stray, std::size_t(length));
+    record.volume = 1;
+    record.opacity = 1;
+
+    if (kind == Widget) {
+        widget = std::make_unique<QWidget>();
+        widget->resize(size);
+        widget->show();
+    } else {
+        window = std::make_unique<QQuickWindow>();
+        window->setColor(Qt::magenta);
+        window->resize(size);
+        window->show();
+    }
+}
+
+Host::~Host()
+{
+    widget.reset();
+    window.reset();
+    if (view())
+        delete view();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    munmap(m_pages, 2 * pageSize);
+}
+
+void Host::create()
+{
+    if (kind == Widget) {
+        control = Create(widget.get(), 0, 0, widget->width() - 1, widget->height() - 1);
+        const auto quickWidgets = widget->findChildren<QQuickWidget *>();
+        quickWidgets.last()->setClearColor(Qt::magenta);
+    } else {
+        if (item)
+            delete item->parentItem();
+        auto *frame = new QQuickItem(window->contentItem());
+        item = new QQuickItem(frame);
+        item->setParent(frame);
+        item->setSize(window->size());
+        control = CreateQML(window.get(), item, nullptr, 0, 0, 0, 0);
+    }
+}
+
+void Host::registerRecord()
+{
+    char key[] = "RegisterParameter";
+    control->SysNativeControlSetSettings(key, &record);
+}
+
+void Host::destroyControl()
+{
+    control->SysNativeControlDestroy();
+}
+
+void Host::open(const QByteArray &uri)
+{
+    setFileName(uri + '\0');
+    create();
+    registerRecord();
+    control->SysNativeControlShow(1);
+}
+
+QByteArray Host::run(int command)
+{
+    storeRelaxed(record.command, command);
+    for (auto *byte : {&record.done, &record.error, &record.busy})
+        storeRelaxed(*byte, 2);
+    storeRelease(record.execute, 1);
+    if (!QTest::qWaitFor([this] { return loadAcquire(record.execute) == 0; }, patience))
+        return "no answer to command " + QByteArray::number(command);
+    QByteArray answer;
+    for (auto *byte : {&record.done, &record.error, &record.busy})
+        answer += QByteArray::number(loadRelaxed(*byte));
+    return answer;
+}
+
+QByteArray Host::load(const QByteArray &uri)
+{
+    setFileName(uri + '\0');
+    return run(MediaPlayerCommandLoad);
+}
+
+QByteArray Host::play(int wanted)
+{
+    record.playState = wanted;
+    return run(MediaPlayerCommandPlayState);
+}
+
+void Host::setFileName(const QByteArray &text)
+{
+    std::memcpy(record.fileName, text.constData(),
+                std::min(std::size_t(text.size()), sizeof record.fileName));
+}
+
+bool Host::strayBytesKept() const
+{
+    const auto kept = [this](const std::pair<int, int> &range) {
+        const char *start = reinterpret_cast<const char *>(&record) + range.first;
+        return std::all_of(start, start + range.second, [](char byte) { return byte == stray; });
+    };
+    return std::all_of(std::begin(strayBytes), std::end(strayBytes), kept);
+}
+
+QByteArray Host::picture()
+{
+    QWindow *shown = window ? window.get() : widget->windowHandle();
+    const QImage image = shown->screen()->grabWindow(shown->winId()).toImage();
+    QByteArray letters;
+    for (const int y : {1, 3}) {
+        for (const int x : {1, 3})
+            letters += letterOf(image.pixelColor(x * image.width() / 4, y * image.height() / 4));
+    }
+    return letters;
+}
+
+QString Host::overlay()
+{
+    const auto items = view()->videoObject->findChildren<QQuickItem *>();
+    for (const QQuickItem *candidate : items) {
+        if (candidate->isVisible() && candidate->property("text").isValid())
+            return candidate->property("text").toString();
+    }
+    return {};
+}
+
+QList<int> Host::pipelineStates()
+{
+    QList<int> states;
+    for (const auto &built : std::as_const(view()->pipelineCache)) {
+        GstState state = GST_STATE_VOID_PENDING;
+        gst_element_get_state(built->pipeline, &state, nullptr, 0);
+        states.insert(built->pipeline == view()->pipeline ? 0 : states.size(), state);
+    }
+    return states;
+}
+
+void forBothKinds(const std::function<void(const char *, Host::Kind)> &addRows)
+{
+    QTest::addColumn<Host::Kind>("kind");
+    addRows("widget", Host::Widget);
+    addRows("quick", Host::Quick);
+}
+
+QByteArray media(const char *name)
+{
+    const QByteArray folder = qgetenv("MEDIA_DIR");
+    if (folder.isEmpty())
+        qFatal("MEDIA_DIR is not set: run the tests through ./test");
+    return "file://" + folder + '/' + name;
+}
+
+bool blockUntil(const std::function<bool()> &condition)
+{
+    const QDeadlineTimer deadline(patience);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        std::this_thread::yield();
+    }
+    return true;
+}
+
+bool blockForOnePass(Host &host)
+{
+    // The first publication may belong to a pass that had begun before.
+    for (int published = 0; published < 2; ++published) {
+        storeRelaxed(host.record.duration, -1);
+        if (!blockUntil([&host] { return host.duration() != -1; }))
+            return false;
+    }
+    return true;
+}
+
+Captured::Captured(int stream) : m_stream(stream), m_before(dup(stream))
+{
+    std::fflush(nullptr);
+    if (!m_file.open() || dup2(m_file.handle(), m_stream) < 0)
+        qFatal("nowhere to capture the output");
+}
+
+Captured::~Captured()
+{
+    std::fflush(nullptr);
+    dup2(m_before, m_stream);
+    close(m_before);
+}
+
+QByteArray Captured::text()
+{
+    std::fflush(nullptr);
+    m_file.seek(0);
+    return m_file.readAll();
+}
+
+int runPlayerTest(int argc, char **argv, const std::function<int(int, char **)> &test)
+{
+    qputenv("GST_TRACERS", "leaks");
+    g_log_set_always_fatal(
+        GLogLevelFlags(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    int failures = 0;
+    {
+        QApplication application(argc, argv);
+        failures = test(argc, argv);
+    }
+    if (gst_is_initialized())
+        gst_deinit();
+    return failures;
+}

@@ -1,0 +1,124 @@
+#ifndef FIXTURE_H
+#define FIXTURE_H
+
+#include "boundary/MediaPlayerControl.h"
+#include "boundary/MediaPlayerParams.h"
+#include "diagnostics/MediaPlayerDiagnostics.h"
+#include "view/AtomicAccess.h"
+#include "view/MediaPlayerView.h"
+
+#include <QtTest/QtTest>
+#include <QtWidgets/QWidget>
+
+#include <functional>
+#include <memory>
+
+// Waiting is for an event, and this long at most, also on a slow machine under a sanitizer.
+constexpr int patience = 30'000;
+#define AWAIT(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
+#define AWAIT_EQUAL(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, patience)
+
+/// The answers of a command as Host::run() gives them: done, error and busy; 2 is left as it was.
+inline const QByteArray complete = "100";
+inline const QByteArray failed = "010";
+inline const QByteArray unanswered = "222";
+
+/// A host of one player: its window, its control, and its record, used as hosts use them.
+class Host
+{
+public:
+    enum Kind { Widget, Quick };
+
+    /// The host's ground is magenta, its picture covers all of the window.
+    explicit Host(Kind kind, QSize size = {320, 240});
+
+    /// The host's window goes, and with it what it owns; then everything deferred is run.
+    ~Host();
+
+    void create(); ///< a new control; in a Qt Quick host under a new item
+    void registerRecord();
+    void destroyControl();
+
+    /// create(), registerRecord() with this medium, SysNativeControlShow(1).
+    void open(const QByteArray &uri);
+
+    /// Raises `execute` and waits for the answer.
+    QByteArray run(int command);
+    QByteArray load(const QByteArray &uri);
+    QByteArray play(int state);
+
+    void setFileName(const QByteArray &text); ///< up to 81 bytes; the rest of the field is kept
+    int state() { return loadRelaxed(record.state); }
+    qint64 position() { return loadRelaxed(record.position); }
+    qint64 duration() { return loadRelaxed(record.duration); }
+    MediaPlayerView *view() { return record.view; }
+
+    /// Whether the bytes of the record that belong to nobody still hold what they were filled with.
+    bool strayBytesKept() const;
+
+    /// What the screen shows in the middle of the four quarters, row by row: R, G, B, W, Y, K
+    /// (black), M (the host's ground), or ? for anything else.
+    QByteArray picture();
+
+    /// The text over the picture; empty while it shows none.
+    QString overlay();
+
+    /// The states of the built pipelines, the current one first.
+    QList<int> pipelineStates();
+
+    const Kind kind;
+    std::unique_ptr<QWidget> widget;
+    std::unique_ptr<QQuickWindow> window;
+    QPointer<QQuickItem> item; ///< the host's item of a Qt Quick host
+    QPointer<BasicWidget> control;
+
+private:
+    void *m_pages;
+
+public:
+    MediaPlayerParams &record;
+};
+
+Q_DECLARE_METATYPE(Host::Kind)
+
+/// Adds the column "kind"; `addRows` is called for each kind with the name of the row.
+void forBothKinds(const std::function<void(const char *name, Host::Kind kind)> &addRows);
+
+/// The URI of one of the files that tests/make-media makes.
+QByteArray media(const char *name);
+
+/// Keeps the GUI thread from its event loop until the condition is true, or gives up.
+bool blockUntil(const std::function<bool()> &condition);
+
+/// Blocks the GUI thread for a pass of the player's thread, from its start to its publication.
+/// Needs an active pipeline.
+bool blockForOnePass(Host &host);
+
+/// What the process writes to a stream of its own, such as STDOUT_FILENO, while this object lives.
+class Captured
+{
+public:
+    explicit Captured(int stream);
+    ~Captured();
+    QByteArray text();
+
+private:
+    const int m_stream;
+    const int m_before;
+    QTemporaryFile m_file;
+};
+
+/// Runs the test's functions in an application that a host could be, and then looks for GStreamer
+/// objects that are left. Criticals and warnings of GLib end the process.
+int runPlayerTest(int argc, char **argv, const std::function<int(int, char **)> &test);
+
+#define PLAYER_TEST_MAIN(TestClass)                                                                \
+    int main(int argc, char **argv)                                                                \
+    {                                                                                              \
+        return runPlayerTest(argc, argv, [](int count, char **values) {                            \
+            TestClass test;                                                                        \
+            return QTest::qExec(&test, count, values);                                             \
+        });                                                                                        \
+    }
+
+#endif
