@@ -75,6 +75,8 @@ bool MediaPlayerView::drainBus(GstElement *current)
         // A message that a command has overtaken must not act on what came after it.
         if (!listensTo(current))
             return false;
+        if (loadAcquire(commandRunning))
+            return true;
         if (GstMessage *message = gst_bus_pop_filtered(bus.get(), handledMessages)) {
             handle_message(message);
             deadline = Clock::now() + quietTime;

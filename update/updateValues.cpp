@@ -38,7 +38,9 @@ void MediaPlayerView::updateValues()
     const std::int32_t command = loadRelaxed(params->command);
     traceFormat("MediaPlayerView::updateValues: %d\n", command);
 
+    storeRelease(commandRunning, true);
     runCommand(command);
+    storeRelease(commandRunning, false);
     if (ending)
         return; // the scene's functions can run the host's code, which may have ended the view
     storeRelease(params->execute, std::int8_t(0));

@@ -128,6 +128,7 @@ public:
     //   generation                    GUI, update         update
     //   ending                        GUI under lock      update, GUI
     //   commandQueued                 update; GUI clears  update
+    //   commandRunning                GUI (release)       update under lock
     //   bound, widgetsLeftBehind      GUI                 GUI
     //   the record's `execute`        host (release);     update, GUI (acquire)
     //                                 GUI lowers it
@@ -181,6 +182,10 @@ public:
 
     /// An updateValues() that the update thread queued has not finished.
     bool commandQueued = false;
+
+    /// A command is being carried out and has not reported. Messages wait for the report, or it
+    /// would overwrite the error that the command itself has caused.
+    bool commandRunning = false;
 
     /// A control has been bound at least once.
     bool bound = false;
