@@ -39,8 +39,9 @@ void MediaPlayerView::restore()
     if (videoObject) {
         moveHostItemToOrigin();
         attachVideoObject();
-        videoObject->setVisible(true);
     }
+    if (videoObject)
+        videoObject->setVisible(true);
     if (params) {
         placeVideoItem();
         resumeAfterRestore();

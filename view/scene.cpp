@@ -67,10 +67,13 @@ void MediaPlayerView::initQuickWidget()
     attachVideoObject();
 }
 
+// The host's item may answer a new child with whatever its QML does.
 void MediaPlayerView::attachVideoObject()
 {
-    videoObject->setParent(parentItem);
-    videoObject->setParentItem(parentItem);
+    if (videoObject)
+        videoObject->setParent(parentItem);
+    if (videoObject)
+        videoObject->setParentItem(parentItem);
 }
 
 void MediaPlayerView::showOverlay(const QString &text)
