@@ -22,13 +22,14 @@ void MediaPlayerView::makeCurrent(const PipelineCtx &record)
 
 // An outgoing pipeline goes to READY before the members change, since its streaming threads work
 // on the members. One that does not get there in time goes to NULL: its preroll would link its
-// streams into the next pipeline's elements.
+// streams into the next pipeline's elements. Whatever it has said belongs to a run that is over.
 void MediaPlayerView::retireCurrent()
 {
     if (!pipeline)
         return;
     if (gstElementSetState(GST_STATE_READY) != GST_STATE_CHANGE_SUCCESS)
         changeState(pipeline, GST_STATE_NULL);
+    emptyBus(pipeline);
 }
 
 void MediaPlayerView::releaseRecord(PipelineCtx &record)
