@@ -28,6 +28,8 @@ bool isAboveReady(GstElement *element)
 
 } // namespace
 
+// Called when the change has been made, not before it: what was queried while it was being made is
+// as old as what was queried before.
 void MediaPlayerView::nextGeneration()
 {
     std::atomic_ref(generation).fetch_add(1, std::memory_order_release);
@@ -52,9 +54,9 @@ GstStateChangeReturn MediaPlayerView::gstElementSetState(GstState state)
 
     const bool down = state == GST_STATE_NULL || state == GST_STATE_READY;
     const bool endsRun = state == GST_STATE_READY && isAboveReady(current);
+    const GstStateChangeReturn result = changeState(current, state);
     if (down)
         nextGeneration();
-    const GstStateChangeReturn result = changeState(current, state);
     if (endsRun)
         emptyBus(current);
     return result;
