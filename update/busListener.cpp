@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <vector>
 
 namespace
 {
@@ -37,6 +38,13 @@ GstState recordedState(GstElement *element)
     const GstState state = GST_STATE(element);
     GST_OBJECT_UNLOCK(element);
     return state;
+}
+
+/// Whether the sink's stream is at its end. A sink without a stream has nothing that could go on.
+bool hasEnded(GstElement *sink)
+{
+    const ObjectRef<GstPad> entry(sink ? gst_element_get_static_pad(sink, "sink") : nullptr);
+    return !entry || !gst_pad_is_linked(entry.get()) || GST_PAD_IS_EOS(entry.get());
 }
 
 } // namespace
@@ -85,6 +93,24 @@ bool MediaPlayerView::drainBus(GstElement *current)
     return true;
 }
 
+// Nothing on a message tells the end that a seek has overtaken from the end of the run that the
+// seek began, but the sinks forget theirs when they are flushed.
+void MediaPlayerView::dropOvertakenEnd()
+{
+    if (hasEnded(videoSink) && hasEnded(audioSink))
+        return;
+    const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline));
+    std::vector<GstMessage *> kept;
+    while (GstMessage *message = gst_bus_pop_filtered(bus.get(), handledMessages)) {
+        if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS)
+            gst_message_unref(message);
+        else
+            kept.push_back(message);
+    }
+    for (GstMessage *message : kept)
+        gst_bus_post(bus.get(), message);
+}
+
 void MediaPlayerView::publish(GstElement *current)
 {
     // A source can hold a query up, so the queries run without the lock, and their answers count
@@ -97,18 +123,19 @@ void MediaPlayerView::publish(GstElement *current)
         duration = 0;
 
     const std::lock_guard guard(lock);
-    if (!listensTo(current))
+    MediaPlayerParams *const block = loadAcquire(params);
+    if (!block || !listensTo(current))
         return;
     // `execute` first: once it reads 0, the command's work and its number are both in the past.
-    const bool executing = loadAcquire(params->execute) != 0;
-    const std::int32_t command = loadRelaxed(params->command);
+    const bool executing = loadAcquire(block->execute) != 0;
+    const std::int32_t command = loadRelaxed(block->command);
     if (!(executing && command == MediaPlayerCommandPlayState))
-        storeRelaxed(params->state, std::int32_t(recordedState(current)));
+        storeRelaxed(block->state, std::int32_t(recordedState(current)));
     if (loadRelaxed(generation) != before)
         return;
     if (positionKnown && !(executing && command == MediaPlayerCommandSeek))
-        storeRelaxed(params->position, position);
-    storeRelaxed(params->duration, duration);
+        storeRelaxed(block->position, position);
+    storeRelaxed(block->duration, duration);
 }
 
 void MediaPlayerView::handle_message(GstMessage *message)
@@ -135,11 +162,12 @@ void MediaPlayerView::handleError()
 {
     showOverlayOfPipeline(QStringLiteral("Error loading media"));
     dumpGraph();
-    if (!params)
+    MediaPlayerParams *const block = loadAcquire(params);
+    if (!block)
         return;
-    storeRelaxed(params->error, std::int8_t(1));
-    storeRelaxed(params->done, std::int8_t(0));
-    storeRelaxed(params->busy, std::int8_t(0));
+    storeRelaxed(block->error, std::int8_t(1));
+    storeRelaxed(block->done, std::int8_t(0));
+    storeRelaxed(block->busy, std::int8_t(0));
 }
 
 void MediaPlayerView::handleEndOfStream()
@@ -152,8 +180,8 @@ void MediaPlayerView::handleEndOfStream()
         if (wasActive && !loadAcquire(pipelineActive))
             return; // the GUI thread waits to end the pipeline
     }
-    if (params)
-        storeRelaxed(params->state, std::int32_t(GST_STATE_PAUSED));
+    if (MediaPlayerParams *const block = loadAcquire(params))
+        storeRelaxed(block->state, std::int32_t(GST_STATE_PAUSED));
 }
 
 void MediaPlayerView::handleStateChanged(GstMessage *message)
@@ -162,8 +190,8 @@ void MediaPlayerView::handleStateChanged(GstMessage *message)
     GstState newState = GST_STATE_NULL;
     GstState pending = GST_STATE_NULL;
     gst_message_parse_state_changed(message, &oldState, &newState, &pending);
-    if (params)
-        storeRelaxed(params->state, std::int32_t(newState));
+    if (MediaPlayerParams *const block = loadAcquire(params))
+        storeRelaxed(block->state, std::int32_t(newState));
 
     // Pipelines have no name of their own: GStreamer calls them "pipeline" and a number.
     const char *name = GST_MESSAGE_SRC_NAME(message);

@@ -119,9 +119,11 @@ void MediaPlayerView::commandSeek()
     if (!pipeline || target < 0) // GStreamer refuses a negative target with a critical
         return;
     const std::lock_guard guard(lock);
+    const auto flags = GstSeekFlags(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_KEY_UNIT);
+    const bool moved = gst_element_seek_simple(pipeline, GST_FORMAT_TIME, flags, target);
     nextGeneration();
-    gst_element_seek_simple(pipeline, GST_FORMAT_TIME,
-                            GstSeekFlags(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_KEY_UNIT), target);
+    if (moved)
+        dropOvertakenEnd();
 }
 
 void MediaPlayerView::commandTransform()

@@ -240,6 +240,7 @@ public:
     bool drainBus(GstElement *current); // update thread; false when it is no longer current
     void publish(GstElement *current); // update thread
     bool listensTo(const GstElement *candidate); // update thread, lock held
+    void dropOvertakenEnd(); // GUI, lock held
     void handleError(); // lock held, like the next three
     void handleEndOfStream();
     void handleStateChanged(GstMessage *message);
