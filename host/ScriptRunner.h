@@ -1,0 +1,74 @@
+#ifndef SCRIPTRUNNER_H
+#define SCRIPTRUNNER_H
+
+#include "Script.h"
+#include "Session.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtGui/QImage>
+
+#include <functional>
+
+/// Runs a script on a session, line by line. A line that gives a command waits for its answer; a
+/// line that waits for something fails when it does not come in time.
+class ScriptRunner : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Resize = std::function<void(QSize)>;
+    using Grab = std::function<QImage()>;
+
+    ScriptRunner(Session &session, Script script);
+
+    /// The host's window: how to size it, and how to take a picture of it as a user sees it.
+    void setWindow(Resize resize, Grab grab);
+
+    void start();
+
+Q_SIGNALS:
+    /// A problem is empty or names the line, what did not come, and what was there instead.
+    void finished(const QString &problem);
+
+public:
+    // For the commands.
+
+    Session &session;
+    Player &player() { return *session.player(); }
+    double seconds(const QString &time); ///< "2.5", or "50%" of the duration
+
+    /// The next line waits until `holds`, at most `seconds`; 0 stands for ten seconds more than
+    /// the current media lasts. `what` and `found` tell what did not come and what there is.
+    void waitFor(const QString &what, std::function<bool()> holds, double seconds = 0,
+                 std::function<QString()> found = {});
+    void waitForAnswer();
+    void waitForConditions(const QStringList &conditions, double seconds);
+    void fail(const QString &why);
+    void report(const QString &label);
+    void takePicture(const QString &file);
+    void resizeWindow(QSize size) { resize(size); }
+    void end();
+
+private:
+    struct Waiting {
+        QString what;
+        std::function<bool()> holds;
+        std::function<QString()> found;
+        double seconds = 0;
+    };
+
+    void advance();
+    void checkWaiting();
+
+    Script script;
+    Resize resize;
+    Grab grab;
+    QTimer ticks;
+    QElapsedTimer elapsed;
+    std::optional<Waiting> waiting;
+    qsizetype nextLine = 0;
+    bool over = false;
+    bool headerPrinted = false;
+};
+
+#endif
