@@ -174,6 +174,7 @@ bool MediaPlayerView::buildNew(const QByteArray &uri, const QString &key)
     if (record->isVideo)
         bindVideoItem(*record);
     g_signal_connect(record->source, "pad-added", G_CALLBACK(pad_added_handler), this);
+    g_signal_connect(record->source, "no-more-pads", G_CALLBACK(no_more_pads_handler), this);
 
     const std::lock_guard guard(lock);
     retireCurrent();
