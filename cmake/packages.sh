@@ -10,6 +10,11 @@ packagesRun=(
   gstreamer1.0-plugins-good gstreamer1.0-qt6 libgl1-mesa-dri qml6-module-qtqml
   qml6-module-qtqml-workerscript qml6-module-qtquick qml6-module-qtquick-window
 )
+# What the Qt Quick host's own user interface is made of.
+packagesHosts=(
+  qml6-module-qt-labs-folderlistmodel qml6-module-qtqml-models qml6-module-qtquick-controls
+  qml6-module-qtquick-dialogs qml6-module-qtquick-layouts qml6-module-qtquick-templates
+)
 # A display without a screen, and what makes sample media.
 packagesHeadless=(gstreamer1.0-tools xauth xvfb)
 packagesTest=(binutils gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly util-linux)
