@@ -11,8 +11,6 @@ Player::Player(QObject *parent) : QObject(parent), record(std::make_unique<Media
     // All zero, `view` above all: null says that this record has no player yet.
     record->volume = 1.0;
     record->opacity = 1.0;
-    record->keepAspectRatio = 1; // a new picture is stretched until it is told otherwise
-    changedSettings = {MediaPlayerCommandKeepAspectRatio};
 
     connect(&pollTimer, &QTimer::timeout, this, &Player::poll);
     pollTimer.start(pollInterval);

@@ -154,6 +154,7 @@ private:
     void finishCommand();
     void abandonCommands();
     void readPublished();
+    void playWhenReady();
     void noticeEnd(const Published &before);
     void continueEnding();
 

@@ -69,9 +69,18 @@ void Player::poll()
     finishCommand();
     readPublished();
     startNext();
+    playWhenReady();
     if (ending)
         continueEnding();
     Q_EMIT polled();
+}
+
+void Player::playWhenReady()
+{
+    if (playWhenPaused && isIdle() && seen.state == MediaPlayerStatePaused) {
+        playWhenPaused = false;
+        play();
+    }
 }
 
 void Player::readPublished()
@@ -89,10 +98,6 @@ void Player::readPublished()
     const Published before = std::exchange(seen, now);
     Q_EMIT published();
     noticeEnd(before);
-    if (playWhenPaused && isIdle() && seen.state == MediaPlayerStatePaused) {
-        playWhenPaused = false;
-        play();
-    }
 }
 
 // The record has no field for the end of the media: it shows in a player that was told to play

@@ -22,6 +22,12 @@ static void load(ScriptRunner &run, const QStringList &a)
         run.fail(run.session.message());
 }
 
+static void openMedia(ScriptRunner &run, const QStringList &a)
+{
+    run.session.open({QUrl(uriOf(a[0]))});
+    run.waitForAnswer();
+}
+
 static void wait(ScriptRunner &run, const QStringList &a)
 {
     bool hasTimeout = false;
@@ -93,6 +99,9 @@ std::span<const ScriptCommand> ScriptCommand::all()
 {
     static const ScriptCommand commands[] = {
         {"load", "URI", "loads a media address, or a file by its path", load},
+        {"open", "URI", "appends it to the play list and plays it, as a user does", openMedia},
+        {"entry", "NUMBER", "plays that entry of the play list; the first is 1",
+         [](Run r, Args a) { r.session.playEntry(number(a[0]) - 1); }},
         {"play", "", "plays", command<&Player::play>},
         {"pause", "", "pauses", command<&Player::pause>},
         {"stop", "", "goes back to a paused start", command<&Player::stop>},

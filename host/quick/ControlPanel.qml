@@ -2,12 +2,11 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-// How the current player's picture lies in its place, what hiding does, and the record itself.
-ColumnLayout {
+// How the current player's picture lies in its place, and what hiding does to it.
+GridLayout {
     id: panel
 
-    required property var session
-    readonly property var player: session.player
+    required property var player
 
     function setMargin(index, pixels) {
         const crop = Array.from(player.crop);
@@ -30,111 +29,73 @@ ColumnLayout {
         onValueModified: panel.setMargin(margin, value)
     }
 
+    columns: 2
+
+    Label { text: qsTr("Crop") }
     GridLayout {
-        columns: 2
-        Layout.margins: 6
+        columns: 3
+        columnSpacing: 2
+        rowSpacing: 2
+        Margin { margin: 0; Layout.row: 1; Layout.column: 0 }
+        Margin { margin: 1; Layout.row: 0; Layout.column: 1 }
+        Margin { margin: 2; Layout.row: 1; Layout.column: 2 }
+        Margin { margin: 3; Layout.row: 2; Layout.column: 1 }
+    }
 
-        Label { text: qsTr("Crop") }
-        GridLayout {
-            columns: 3
-            columnSpacing: 2
-            rowSpacing: 2
-            Margin { margin: 0; Layout.row: 1; Layout.column: 0 }
-            Margin { margin: 1; Layout.row: 0; Layout.column: 1 }
-            Margin { margin: 2; Layout.row: 1; Layout.column: 2 }
-            Margin { margin: 3; Layout.row: 2; Layout.column: 1 }
-        }
+    Label { text: qsTr("Opacity") }
+    Slider {
+        Layout.fillWidth: true
+        focusPolicy: Qt.NoFocus
+        value: panel.player.opacity
+        onMoved: panel.player.opacity = value
+    }
 
-        Label { text: qsTr("Opacity") }
-        Slider {
-            Layout.fillWidth: true
-            focusPolicy: Qt.NoFocus
-            value: panel.player.opacity
-            onMoved: panel.player.opacity = value
-        }
-
-        Label { text: qsTr("Mirror") }
-        RowLayout {
-            CheckBox {
-                text: qsTr("sideways")
-                focusPolicy: Qt.NoFocus
-                checked: panel.player.flips & 1
-                onToggled: panel.player.setTransform(panel.player.flips ^ 1, panel.player.angle)
-            }
-            CheckBox {
-                text: qsTr("upright")
-                focusPolicy: Qt.NoFocus
-                checked: panel.player.flips & 2
-                onToggled: panel.player.setTransform(panel.player.flips ^ 2, panel.player.angle)
-            }
-        }
-
-        Label { text: qsTr("Rotate") }
-        Number {
-            from: -360
-            to: 360
-            stepSize: 15
-            value: panel.player.angle
-            onValueModified: panel.player.setTransform(panel.player.flips, value)
-        }
-
-        Label { text: qsTr("Aspect") }
+    Label { text: qsTr("Mirror") }
+    RowLayout {
         CheckBox {
-            text: qsTr("keep the picture's shape")
+            text: qsTr("sideways")
             focusPolicy: Qt.NoFocus
-            checked: panel.player.keepAspect
-            onToggled: panel.player.keepAspect = checked
+            checked: panel.player.flips & 1
+            onToggled: panel.player.setTransform(panel.player.flips ^ 1, panel.player.angle)
         }
-
-        Label { text: qsTr("Control") }
-        RowLayout {
-            CheckBox {
-                text: qsTr("hiding pauses")
-                focusPolicy: Qt.NoFocus
-                checked: panel.player.pauseOnHide
-                onToggled: panel.player.pauseOnHide = checked
-            }
-            CheckBox {
-                text: qsTr("showing resumes")
-                focusPolicy: Qt.NoFocus
-                checked: panel.player.resumeOnShow
-                onToggled: panel.player.resumeOnShow = checked
-            }
+        CheckBox {
+            text: qsTr("upright")
+            focusPolicy: Qt.NoFocus
+            checked: panel.player.flips & 2
+            onToggled: panel.player.setTransform(panel.player.flips ^ 2, panel.player.angle)
         }
     }
 
-    ListView {
-        id: fields
+    Label { text: qsTr("Rotate") }
+    Number {
+        from: -360
+        to: 360
+        stepSize: 15
+        value: panel.player.angle
+        onValueModified: panel.player.setTransform(panel.player.flips, value)
+    }
 
-        Layout.fillWidth: true
-        Layout.fillHeight: true
-        clip: true
-        model: panel.session.record
-        ScrollBar.vertical: ScrollBar {}
+    Label { text: qsTr("Aspect") }
+    CheckBox {
+        text: qsTr("keep the picture's shape")
+        focusPolicy: Qt.NoFocus
+        checked: panel.player.keepAspect
+        onToggled: panel.player.keepAspect = checked
+    }
 
-        delegate: Rectangle {
-            id: field
-
-            required property int index
-            required property string name
-            required property string value
-
-            width: ListView.view.width
-            height: 20
-            color: index % 2 ? palette.alternateBase : palette.base
-
-            Label {
-                x: 6
-                anchors.verticalCenter: parent.verticalCenter
-                text: field.name
-            }
-            Label {
-                x: 130
-                width: parent.width - x - 14
-                anchors.verticalCenter: parent.verticalCenter
-                elide: Text.ElideMiddle
-                text: field.value
-            }
+    Label { text: qsTr("Control") }
+    RowLayout {
+        CheckBox {
+            text: qsTr("hiding pauses")
+            focusPolicy: Qt.NoFocus
+            checked: panel.player.pauseOnHide
+            onToggled: panel.player.pauseOnHide = checked
+        }
+        CheckBox {
+            text: qsTr("showing resumes")
+            focusPolicy: Qt.NoFocus
+            checked: panel.player.resumeOnShow
+            onToggled: panel.player.resumeOnShow = checked
         }
     }
 }

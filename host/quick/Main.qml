@@ -24,8 +24,8 @@ ApplicationWindow {
     }
 
     visible: true
-    width: 1100
-    height: 660
+    width: 1200
+    height: 680
     title: player.uri ? qsTr("%1 - Media player host").arg(player.uri.split("/").pop()) : qsTr("Media player host")
 
     menuBar: MenuBar {
@@ -190,13 +190,6 @@ ApplicationWindow {
         anchors.fill: parent
         spacing: 4
 
-        PlayListPanel {
-            Layout.preferredWidth: 180
-            Layout.fillHeight: true
-            visible: tools.shown && !window.fullScreen
-            session: window.session
-        }
-
         ColumnLayout {
             spacing: 0
 
@@ -229,16 +222,43 @@ ApplicationWindow {
             }
         }
 
-        ControlPanel {
+        ColumnLayout {
             id: tools
 
             property bool shown: true
 
-            Layout.preferredWidth: 330
+            Layout.preferredWidth: 290
             Layout.fillWidth: false
-            Layout.fillHeight: true
             visible: shown && !window.fullScreen
-            session: window.session
+
+            TabBar {
+                id: tabs
+
+                Layout.fillWidth: true
+                TabButton {
+                    text: qsTr("Play list")
+                    focusPolicy: Qt.NoFocus
+                }
+                TabButton {
+                    text: qsTr("Picture")
+                    focusPolicy: Qt.NoFocus
+                }
+            }
+            StackLayout {
+                currentIndex: tabs.currentIndex
+                Layout.fillHeight: false
+                PlayListPanel {
+                    session: window.session
+                }
+                ControlPanel {
+                    player: window.player
+                }
+            }
+            RecordPanel {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                session: window.session
+            }
         }
     }
 

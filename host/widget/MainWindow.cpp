@@ -18,7 +18,7 @@ MainWindow::MainWindow(Session &theSession, const PluginLibrary &theLibrary)
     : session(theSession), library(theLibrary)
 {
     setAcceptDrops(true);
-    resize(1100, 660);
+    resize(1200, 680);
     buildActions();
     buildCentre();
     buildDocks();

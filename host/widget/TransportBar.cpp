@@ -3,6 +3,7 @@
 #include <QtCore/QTime>
 #include <QtGui/QAction>
 #include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QStyle>
 #include <QtWidgets/QToolButton>
 
 #include <cmath>
@@ -78,7 +79,10 @@ void TransportBar::showSettings()
     if (!session.player())
         return;
     volumeSlider->setValue(int(std::lround(session.player()->volume() * 100)));
-    muteAction->setChecked(session.player()->isMuted());
+    const bool muted = session.player()->isMuted();
+    muteAction->setChecked(muted);
+    muteAction->setIcon(
+        style()->standardIcon(muted ? QStyle::SP_MediaVolumeMuted : QStyle::SP_MediaVolume));
 }
 
 void TransportBar::seekToSlider()

@@ -9,6 +9,7 @@
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QListView>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QTabWidget>
 #include <QtWidgets/QTableView>
 
 QAction *MainWindow::addTo(QMenu *menu, const QString &text, const QList<QKeySequence> &keys,
@@ -68,7 +69,6 @@ void MainWindow::buildActions()
         if (session.player())
             session.player()->setMuted(on);
     });
-    muteAction->setIcon(style()->standardIcon(QStyle::SP_MediaVolumeMuted));
 
     QMenu *player = menuBar()->addMenu(tr("P&layer"));
     addTo(player, tr("&Add"), {Qt::Key_Plus}, [this] { session.addPlayer(); });
@@ -129,15 +129,18 @@ void MainWindow::buildDocks()
 {
     QMenu *view = menuBar()->actions().last()->menu();
     view->addSeparator();
-    const auto addDock = [this, view](const QString &title, QWidget *content,
-                                      Qt::DockWidgetArea area) {
+    const auto addDock = [this, view](const QString &title, QWidget *content) {
         auto *dock = new QDockWidget(title);
-        dock->setObjectName(title);
         dock->setWidget(content);
-        addDockWidget(area, dock);
+        addDockWidget(Qt::RightDockWidgetArea, dock);
         view->addAction(dock->toggleViewAction());
+        return dock;
     };
-    addDock(tr("Play list"), makePlaylist(), Qt::LeftDockWidgetArea);
-    addDock(tr("Picture"), new ControlPanel(session), Qt::RightDockWidgetArea);
-    addDock(tr("Record"), makeRecordView(), Qt::RightDockWidgetArea);
+    setTabPosition(Qt::RightDockWidgetArea, QTabWidget::North);
+    QDockWidget *list = addDock(tr("Play list"), makePlaylist());
+    QDockWidget *picture = addDock(tr("Picture"), new ControlPanel(session));
+    QDockWidget *record = addDock(tr("Record"), makeRecordView());
+    tabifyDockWidget(list, picture);
+    list->raise();
+    resizeDocks({record}, {290}, Qt::Horizontal);
 }
