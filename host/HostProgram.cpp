@@ -52,15 +52,14 @@ bool HostProgram::stopWith(int status, const QString &text)
     return false;
 }
 
-bool HostProgram::prepare()
+static void describe(QCommandLineParser &parser, const QString &description)
 {
-    QCommandLineParser parser;
     parser.setApplicationDescription(description);
     parser.addPositionalArgument(QStringLiteral("media"),
                                  QStringLiteral("Files or addresses to play."),
                                  QStringLiteral("[media...]"));
-    parser.addHelpOption();
     parser.addOptions({
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("This text.")},
         {QStringLiteral("library"), QStringLiteral("The plug-in to load."), QStringLiteral("path"),
          PluginLibrary::defaultPath()},
         {QStringLiteral("script"),
@@ -74,17 +73,30 @@ bool HostProgram::prepare()
         {QStringLiteral("stay"), QStringLiteral("Stay open after a script or the demo.")},
         {QStringLiteral("trace"), QStringLiteral("Trace lines of the library from the start.")},
     });
+}
+
+static QString helpText(const QCommandLineParser &parser)
+{
+    return parser.helpText()
+        + QStringLiteral("\nScript commands, one a line; # begins a line of comment:\n")
+        + Script::help()
+        + QStringLiteral(
+               "\nA condition compares a field of the record, as \"fields\" prints them, with\n"
+               "= != < <= > or >=: state=paused, position>=2.5 (seconds), position<50% (of the\n"
+               "duration). Without SECONDS a wait gives up ten seconds after the media could\n"
+               "have played to its end.\n"
+               "\nThe exit status is 0 when everything came that a script waited for, 1 when\n"
+               "not, and 2 when the program could not begin.\n");
+}
+
+bool HostProgram::prepare()
+{
+    QCommandLineParser parser;
+    describe(parser, description);
     if (!parser.parse(QCoreApplication::arguments()))
         return stopWith(2, parser.errorText());
-    if (parser.isSet(QStringLiteral("help"))) {
-        return stopWith(0,
-                        parser.helpText()
-                            + QStringLiteral("\nScript commands, one a line, # begins a comment:\n")
-                            + Script::help()
-                            + QStringLiteral("\nThe exit status is 0 when everything came that a "
-                                             "script waited for, 1 when not,\nand 2 when the "
-                                             "program could not begin.\n"));
-    }
+    if (parser.isSet(QStringLiteral("help")))
+        return stopWith(0, helpText(parser));
 
     media = parser.positionalArguments();
     stay = parser.isSet(QStringLiteral("stay"));

@@ -227,7 +227,7 @@ ApplicationWindow {
 
             property bool shown: true
 
-            Layout.preferredWidth: 290
+            Layout.preferredWidth: 340
             Layout.fillWidth: false
             visible: shown && !window.fullScreen
 
