@@ -93,7 +93,8 @@ QString RecordField::text(MediaPlayerParams &record) const
     case Command:
         return commandName(raw.toInt());
     default:
-        return raw.toString();
+        return raw.typeId() == QMetaType::Double ? QString::number(raw.toDouble())
+                                                 : raw.toString();
     }
 }
 
