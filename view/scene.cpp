@@ -4,6 +4,7 @@
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 #include "view/liveViews.h"
+#include "view/renderThread.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtQml/QQmlComponent>
@@ -64,6 +65,8 @@ void MediaPlayerView::initQuickWidget()
     traceLine("MediaPlayerView::connect onVisible");
     connect(videoObject, SIGNAL(videoSurfaceReadyChanged(bool)), this, SLOT(onVisible(bool)));
     connect(videoObject, SIGNAL(destruct()), this, SLOT(onDestruct()));
+    if (QQuickItem *item = findVideoItem(videoObject))
+        keepRenderThreadsClean(item);
     attachVideoObject();
 }
 
