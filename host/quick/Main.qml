@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Dialogs
@@ -35,7 +37,7 @@ ApplicationWindow {
             title: qsTr("&File")
             Action {
                 text: qsTr("&Open files...")
-                shortcut: StandardKey.Open
+                shortcut: "Ctrl+O"
                 onTriggered: fileDialog.open()
             }
             Action {
@@ -45,7 +47,7 @@ ApplicationWindow {
             }
             Action {
                 text: qsTr("&Quit")
-                shortcut: StandardKey.Quit
+                shortcut: "Ctrl+Q"
                 onTriggered: window.close()
             }
         }
@@ -231,28 +233,15 @@ ApplicationWindow {
             Layout.fillWidth: false
             visible: shown && !window.fullScreen
 
-            TabBar {
-                id: tabs
-
+            PlayListPanel {
                 Layout.fillWidth: true
-                TabButton {
-                    text: qsTr("Play list")
-                    focusPolicy: Qt.NoFocus
-                }
-                TabButton {
-                    text: qsTr("Picture")
-                    focusPolicy: Qt.NoFocus
-                }
+                Layout.preferredHeight: 110
+                session: window.session
             }
-            StackLayout {
-                currentIndex: tabs.currentIndex
+            ControlPanel {
                 Layout.fillHeight: false
-                PlayListPanel {
-                    session: window.session
-                }
-                ControlPanel {
-                    player: window.player
-                }
+                Layout.margins: 6
+                player: window.player
             }
             RecordPanel {
                 Layout.fillWidth: true

@@ -9,7 +9,6 @@
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QListView>
 #include <QtWidgets/QMenuBar>
-#include <QtWidgets/QTabWidget>
 #include <QtWidgets/QTableView>
 
 QAction *MainWindow::addTo(QMenu *menu, const QString &text, const QList<QKeySequence> &keys,
@@ -136,11 +135,9 @@ void MainWindow::buildDocks()
         view->addAction(dock->toggleViewAction());
         return dock;
     };
-    setTabPosition(Qt::RightDockWidgetArea, QTabWidget::North);
     QDockWidget *list = addDock(tr("Play list"), makePlaylist());
     QDockWidget *picture = addDock(tr("Picture"), new ControlPanel(session));
     QDockWidget *record = addDock(tr("Record"), makeRecordView());
-    tabifyDockWidget(list, picture);
-    list->raise();
     resizeDocks({record}, {290}, Qt::Horizontal);
+    resizeDocks({list, picture, record}, {90, 230, 250}, Qt::Vertical);
 }
