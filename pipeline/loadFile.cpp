@@ -129,14 +129,20 @@ bool MediaPlayerView::loadFile()
     return buildNew(uri, key);
 }
 
+// A video that another file followed before its item could take frames is still to be prerolled as
+// a new one is.
 void MediaPlayerView::loadCached(const PipelineCtx &record)
 {
     traceLine("MP: found entry in map");
+    const bool likeNew = record.videoSink && record.videoItem && !record.prerolled;
+    if (likeNew)
+        prerollOnceInitialized(record.videoItem);
     const std::lock_guard guard(lock);
     retireCurrent();
     makeCurrent(record);
-    gstElementSetState(GST_STATE_PAUSED);
-    hideOverlay();
+    gstElementSetState(likeNew ? GST_STATE_READY : GST_STATE_PAUSED);
+    if (!likeNew)
+        hideOverlay();
     storeRelease(pipelineActive, true);
     traceLine("MP: done");
 }
@@ -194,7 +200,13 @@ void MediaPlayerView::abandon(PipelineCtx &record)
     releaseRecord(record);
 }
 
-// The new pipeline stays in READY until the item can take frames; videoItemReady() prerolls it.
+// A new pipeline stays in READY until the item can take frames; videoItemReady() prerolls it.
+void MediaPlayerView::prerollOnceInitialized(const QQuickItem *item)
+{
+    if (item->property("itemInitialized").toBool())
+        QMetaObject::invokeMethod(this, "videoItemReady", Qt::QueuedConnection);
+}
+
 void MediaPlayerView::bindVideoItem(PipelineCtx &record)
 {
     if (videoObject)
@@ -204,8 +216,7 @@ void MediaPlayerView::bindVideoItem(PipelineCtx &record)
         return;
     connect(item, SIGNAL(itemInitializedChanged()), this, SLOT(videoItemReady()),
             Qt::UniqueConnection);
-    if (item->property("itemInitialized").toBool())
-        QMetaObject::invokeMethod(this, "videoItemReady", Qt::QueuedConnection);
+    prerollOnceInitialized(item);
     g_object_set(record.videoSink, "widget", item, "force-aspect-ratio", FALSE, nullptr);
 }
 

@@ -16,8 +16,9 @@ bool isState(GstState state)
     return state >= GST_STATE_VOID_PENDING && state <= GST_STATE_PLAYING;
 }
 
-/// Whether the element is, or is on its way to be, above READY.
-bool isAboveReady(GstElement *element)
+} // namespace
+
+bool MediaPlayerView::isAboveReady(GstElement *element)
 {
     GST_OBJECT_LOCK(element);
     const bool above =
@@ -25,8 +26,6 @@ bool isAboveReady(GstElement *element)
     GST_OBJECT_UNLOCK(element);
     return above;
 }
-
-} // namespace
 
 // Called when the change has been made, not before it: what was queried while it was being made is
 // as old as what was queried before.

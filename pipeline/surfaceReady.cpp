@@ -2,12 +2,34 @@
 #include "view/MediaPlayerView.h"
 #include "view/scene.h"
 
+#include <QtQuick/QQuickRenderControl>
+#include <QtQuick/QQuickWindow>
+
+#include <utility>
+
 bool MediaPlayerView::isVideoSurfaceReady() const
 {
     if (!videoObject)
         return false;
     const QQuickItem *item = videoItem ? videoItem.data() : findVideoItem(videoObject);
     return item && item->window() && videoObject->isVisible() && item->isVisible();
+}
+
+// The item reports itself each time it comes into a window. Places in one window, and the quick
+// widgets of one top-level window, share a GL context for as long as the scene graph lives.
+bool MediaPlayerView::noteContext()
+{
+    QQuickWindow *const scene = videoObject ? videoObject->window() : nullptr;
+    if (!scene)
+        return false;
+    disconnect(scene, &QQuickWindow::sceneGraphInvalidated, this, nullptr);
+    connect(scene, &QQuickWindow::sceneGraphInvalidated, this, [this, scene] {
+        if (videoObject && videoObject->window() == scene)
+            readyIn = nullptr;
+    });
+    QWindow *const outer = QQuickRenderControl::renderWindowFor(scene);
+    QWindow *const before = std::exchange(readyIn, outer ? outer : scene);
+    return before == readyIn;
 }
 
 // The first preroll of a fresh pipeline leaves the item black; the one after NULL shows the first
@@ -17,12 +39,18 @@ void MediaPlayerView::videoItemReady()
     if (ending)
         return;
     traceLine("MediaPlayerView::videoItemReady");
+    // What has prerolled under this context, and what has no picture, goes on as it is.
+    const bool sameContext = noteContext();
+    if (sender() && pipeline && (!videoSink || (sameContext && isAboveReady(pipeline))))
+        return;
     const std::lock_guard guard(lock);
     gstElementSetState(GST_STATE_PAUSED);
     gstElementSetState(GST_STATE_NULL);
     if (!pipeline)
         return;
     gstElementSetState(GST_STATE_PAUSED);
+    for (const auto &record : std::as_const(pipelineCache))
+        record->prerolled |= record->pipeline == pipeline;
     // Posted before the lock is released: an error that this preroll has left on the bus is shown
     // afterwards, and stays.
     hideOverlay();

@@ -45,6 +45,7 @@ public:
         GstElement *volumeElement = nullptr;
         QPointer<QQuickItem> videoItem;
         bool isVideo = false;
+        bool prerolled = false; ///< by videoItemReady()
     };
 
     explicit MediaPlayerView(QWindow *hostWindow = nullptr, QQuickItem *hostItem = nullptr,
@@ -129,7 +130,8 @@ public:
     //   ending                        GUI under lock      update, GUI
     //   commandQueued                 update; GUI clears  update
     //   commandRunning                GUI (release)       update under lock
-    //   bound, widgetsLeftBehind      GUI                 GUI
+    //   bound, widgetsLeftBehind,     GUI                 GUI
+    //   readyIn
     //   the record's `execute`        host (release);     update, GUI (acquire)
     //                                 GUI lowers it
     //                                 (release)
@@ -190,6 +192,9 @@ public:
     /// A control has been bound at least once.
     bool bound = false;
 
+    /// The window in which the video item last reported itself initialised.
+    QPointer<QWindow> readyIn;
+
     /// Quick widgets of controls that are gone; deleted when the video object has left them.
     QList<QPointer<QQuickWidget>> widgetsLeftBehind;
 
@@ -223,14 +228,17 @@ public:
     void loadCached(const PipelineCtx &record);
     bool buildNew(const QByteArray &uri, const QString &key);
     void bindVideoItem(PipelineCtx &record);
+    void prerollOnceInitialized(const QQuickItem *item);
     void refuseUnsupported();
     void abandon(PipelineCtx &record);
     void makeCurrent(const PipelineCtx &record); // lock held
     void retireCurrent(); // lock held
     void releaseCurrent(); // lock held, or the thread joined
     void releaseCache(); // the thread joined
+    bool noteContext(); // whether the video item is under the GL context of the last report
     static void releaseRecord(PipelineCtx &record);
     static void awaitNull(GstElement *element);
+    static bool isAboveReady(GstElement *element); // or on its way there; any thread
     static void emptyBus(GstElement *element);
     static GstStateChangeReturn changeState(GstElement *element, GstState state); // any thread
     void nextGeneration(); // any thread
