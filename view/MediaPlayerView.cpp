@@ -5,6 +5,7 @@
 #include "update/updateThread.h"
 #include "view/AtomicAccess.h"
 #include "view/liveViews.h"
+#include "view/scene.h"
 
 namespace
 {
@@ -17,8 +18,12 @@ char threadName[] = "MediaPlayerUpdate";
 
 } // namespace
 
+// Without an engine the base class makes one for each view, with a thread of its own.
 MediaPlayerView::MediaPlayerView(QWindow *hostWindow, QQuickItem *hostItem, QObject *hostContext)
-    : QQuickView(hostWindow), window(hostWindow), parentItem(hostItem), context(hostContext)
+    : QQuickView(sharedEngine(), hostWindow)
+    , window(hostWindow)
+    , parentItem(hostItem)
+    , context(hostContext)
 {
     traceLine("MediaPlayerView::MediaPlayerView");
     addLiveView(this);
