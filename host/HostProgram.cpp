@@ -115,6 +115,8 @@ bool HostProgram::prepare()
     writeSwitch(plugin.enableDebug, parser.isSet(QStringLiteral("trace")));
     theSession = std::make_unique<Session>(plugin);
     theSession->addPlayer();
+    if (!script) // scripts begin with what a new record means: a stretched picture
+        theSession->player()->setKeepAspect(true);
     return true;
 }
 

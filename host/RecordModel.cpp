@@ -93,8 +93,7 @@ QString RecordField::text(MediaPlayerParams &record) const
     case Command:
         return commandName(raw.toInt());
     default:
-        return raw.typeId() == QMetaType::Double ? QString::number(raw.toDouble())
-                                                 : raw.toString();
+        return raw.typeId() == QMetaType::Double ? QString::number(raw.toDouble()) : raw.toString();
     }
 }
 

@@ -28,6 +28,8 @@ void Session::addPlayer()
 {
     auto *player = new Player(this);
     watch(player);
+    if (this->player() && this->player()->keepsAspect())
+        player->setKeepAspect(true);
     auto *item = new QStandardItem;
     item->setData(QVariant::fromValue(player), PlayerRole);
     players.appendRow(item);
