@@ -1,18 +1,17 @@
-#include "diagnostics/MediaPlayerDiagnostics.h"
-#include "tests/diagnostics_stdout.h"
+#include "tests/fixture.h"
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
-#include <QtQuick/QQuickItem>
-#include <QtTest/QtTest>
 
 #include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <thread>
 #include <vector>
+
+#include <unistd.h>
 
 namespace
 {
@@ -204,12 +203,12 @@ private Q_SLOTS:
         const SetAside installed(reportProgram);
         if (!program.isEmpty())
             install(program);
-        StdoutRecorder recorder;
+        Captured output(STDOUT_FILENO);
         xprocf("off");
-        QCOMPARE(recorder.text(), QByteArray());
+        QCOMPARE(output.text(), QByteArray());
         enableDebug = 1;
         xprocf("on");
-        QCOMPARE(recorder.text(), trace);
+        QCOMPARE(output.text(), trace);
         QCOMPARE(contents(logPath), "off\n" + report + "on\n" + report);
     }
 
@@ -220,10 +219,10 @@ private Q_SLOTS:
         QVERIFY(QFile::link(victim, logPath));
         const SetAside installed(reportProgram);
         install("#!/bin/sh\necho report\n");
-        StdoutRecorder recorder;
+        Captured output(STDOUT_FILENO);
         enableDebug = 0x80;
         xprocf("message");
-        QCOMPARE(recorder.text(),
+        QCOMPARE(output.text(),
                  "xprintf failed: " + QByteArray::number(ELOOP) + "\nxprocf failed: -1\n");
         QVERIFY2(!QFile::exists(victim), "the link was followed");
     }
@@ -322,5 +321,5 @@ private:
     std::unique_ptr<SetAside> m_log;
 };
 
-QTEST_MAIN(DiagnosticsTest)
+PLAYER_TEST_MAIN(DiagnosticsTest)
 #include "diagnostics_test.moc"
