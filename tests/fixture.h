@@ -7,6 +7,7 @@
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
+#include <QtQuickWidgets/QQuickWidget>
 #include <QtTest/QtTest>
 #include <QtWidgets/QWidget>
 
@@ -14,7 +15,7 @@
 #include <memory>
 
 // Waiting is for an event, and this long at most, also on a slow machine under a sanitizer.
-constexpr int patience = 30'000;
+constexpr int patience = 20'000;
 #define AWAIT(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
 #define AWAIT_EQUAL(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, patience)
 
@@ -29,8 +30,10 @@ class Host
 public:
     enum Kind { Widget, Quick };
 
+    enum Start { Shown, Hidden };
+
     /// The host's ground is magenta, its picture covers all of the window.
-    explicit Host(Kind kind, QSize size = {320, 240});
+    explicit Host(Kind kind, QSize size = {320, 240}, Start start = Shown);
 
     /// The host's window goes, and with it what it owns; then everything deferred is run.
     ~Host();
@@ -79,8 +82,6 @@ public:
     MediaPlayerParams &record;
 };
 
-Q_DECLARE_METATYPE(Host::Kind)
-
 /// Adds the column "kind"; `addRows` is called for each kind with the name of the row.
 void forBothKinds(const std::function<void(const char *name, Host::Kind kind)> &addRows);
 
@@ -109,7 +110,7 @@ private:
 };
 
 /// Runs the test's functions in an application that a host could be, and then looks for GStreamer
-/// objects that are left. Criticals and warnings of GLib end the process.
+/// objects that are left. Criticals of GLib end the process, and so does a leak.
 int runPlayerTest(int argc, char **argv, const std::function<int(int, char **)> &test);
 
 #define PLAYER_TEST_MAIN(TestClass)                                                                \
