@@ -38,6 +38,7 @@ public:
     /// The host's window goes, and with it what it owns; then everything deferred is run.
     ~Host();
 
+    void setShown(bool shown); ///< the window
     void create(); ///< a new control; in a Qt Quick host under a new item
     void registerRecord();
     void destroyControl();

@@ -164,7 +164,7 @@ private Q_SLOTS:
         Host host(kind);
         host.open(media("tone.flac"));
         AWAIT_EQUAL(host.state(), 3);
-        QCOMPARE(host.overlay(), loading);
+        AWAIT_EQUAL(host.overlay(), loading);
         QCOMPARE(host.play(4), complete);
         AWAIT_EQUAL(host.overlay(), QString());
 
