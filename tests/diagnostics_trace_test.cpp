@@ -1,81 +1,10 @@
 #include "pipeline/padAdded.h"
-#include "tests/fixture.h"
-
-#include <QtCore/QTemporaryDir>
-#include <QtQuick/QQuickWindow>
-
-#include <cstdio>
-#include <mutex>
-#include <utility>
+#include "tests/diagnostics_recorder.h"
 
 #include <unistd.h>
 
 namespace
 {
-
-/// Records the lines of standard output by the thread that wrote them, while the object lives.
-class Recorder
-{
-public:
-    Recorder()
-    {
-        cookie_io_functions_t functions = {};
-        functions.write = [](void *self, const char *bytes, std::size_t size) {
-            static_cast<Recorder *>(self)->record(QByteArray(bytes, qsizetype(size)));
-            return ssize_t(size);
-        };
-        m_stream = fopencookie(this, "w", functions);
-        setvbuf(m_stream, nullptr, _IOLBF, 4096);
-        m_before = std::exchange(stdout, m_stream);
-    }
-
-    /// No other thread may be writing any more.
-    ~Recorder()
-    {
-        stdout = m_before;
-        fclose(m_stream);
-    }
-
-    struct Written {
-        QByteArray gui, update, streaming;
-    };
-
-    /// What came since this was last asked for, once there is at least as much as is expected.
-    Written take(const Written &expected)
-    {
-        [[maybe_unused]] const bool came = QTest::qWaitFor(
-            [&] {
-                const std::lock_guard guard(m_mutex);
-                return m_new.gui.size() >= expected.gui.size()
-                    && m_new.update.size() >= expected.update.size()
-                    && m_new.streaming.size() >= expected.streaming.size();
-            },
-            patience);
-        const std::lock_guard guard(m_mutex);
-        return std::exchange(m_new, {});
-    }
-
-private:
-    Q_DISABLE_COPY_MOVE(Recorder)
-
-    void record(const QByteArray &bytes)
-    {
-        const std::lock_guard guard(m_mutex);
-        const auto thread = QThread::currentThreadId();
-        if (bytes.startsWith("Update invoke"))
-            m_update = thread;
-        (thread == m_gui          ? m_new.gui
-             : thread == m_update ? m_new.update
-                                  : m_new.streaming) += bytes;
-    }
-
-    const Qt::HANDLE m_gui = QThread::currentThreadId();
-    Qt::HANDLE m_update = nullptr;
-    FILE *m_stream = nullptr;
-    FILE *m_before = nullptr;
-    std::mutex m_mutex;
-    Written m_new;
-};
 
 QByteArray player(const char *operation)
 {
@@ -97,7 +26,7 @@ QByteArray states(std::initializer_list<int> numbers)
 
 QByteArray search(const QByteArray &uri)
 {
-    return player("loadFile") + "MP: search map for " + uri + '\n';
+    return "MP: search map for " + uri + '\n';
 }
 
 QByteArray command(int code, const QByteArray &work = {})
@@ -117,6 +46,7 @@ const char queueRestore[] = "Update invoke restore MP\n";
 // The item reports itself initialised each time it is back in a window.
 const QByteArray cameBack = visible(1) + player("videoItemReady");
 const char created[] = "MP: Create new pipeline\n";
+const QByteArray found = "MP: found entry in map\n" + states({2, 3}) + "MP: done\n";
 const char givingUp[] = "gstElementSetState: waited ~1000 ms, giving up\n";
 
 } // namespace
@@ -166,8 +96,6 @@ private:
     void expect(const QByteArray &gui, const QByteArray &update = {},
                 const QByteArray &streaming = {})
     {
-        if (QTest::currentTestFailed())
-            return;
         const Recorder::Written wanted =
             m_tracing ? Recorder::Written {gui, update, streaming} : Recorder::Written {};
         Recorder::Written written = m_recorder->take(wanted);
@@ -194,8 +122,6 @@ private:
         return lines;
     }
 
-    void run(int code) { QCOMPARE(m_host->run(code), complete); }
-
     void create()
     {
         m_host->create();
@@ -213,7 +139,7 @@ private:
         expect(control("SysNativeControlSetSettings") + player("MediaPlayerView") + player("init")
                + player("gstInit") + player("initQuickWidget") + player("gstInit")
                + player("connect onVisible") + player("loadFile") + player("gstInit")
-               + "MP: search map for " + m_film + '\n' + created + "MP: video\n" + states({2}));
+               + search(m_film) + created + "MP: video\n" + states({2}));
         m_host->control->SysNativeControlShow(1);
         // The restore is queued before a window of its own draws and finds the item ready.
         QVERIFY(blockForOnePass(*m_host));
@@ -228,61 +154,55 @@ private:
 
     void commands()
     {
-        m_host->record.playState = GST_STATE_PLAYING;
-        run(MediaPlayerCommandPlayState);
-        expect(command(2, player("updateSize") + states({4})), queueCommand);
-        run(MediaPlayerCommandSeek);
+        play();
+        QCOMPARE(m_host->run(MediaPlayerCommandSeek), complete);
         expect(command(4), queueCommand);
-        run(MediaPlayerCommandKeepAspectRatio);
+        QCOMPARE(m_host->run(MediaPlayerCommandKeepAspectRatio), complete);
         expect(command(12) + player("resetItem") + visible(0) + cameBack, queueCommand);
-        m_host->record.playState = GST_STATE_NULL;
-        run(MediaPlayerCommandPlayState);
+        QCOMPARE(m_host->play(GST_STATE_NULL), complete);
         expect(command(2, player("updateSize") + states({2, 1, 3})), queueCommand,
                pads(m_filmPads));
     }
 
+    void load(const QByteArray &uri, const QByteArray &answer, const QByteArray &work,
+              const QByteArray &after = {}, const QByteArrayList &types = {}, int prerolls = 1)
+    {
+        QCOMPARE(m_host->load(uri), answer);
+        expect(command(0, player("loadFile") + work) + after, queueCommand, pads(types, prerolls));
+    }
+
     void loads()
     {
-        QCOMPARE(m_host->load(m_silentFilm), complete);
-        AWAIT_EQUAL(m_host->state(), GST_STATE_PAUSED);
-        expect(command(0, search(m_silentFilm) + created + "MP: video\n" + states({2, 2}))
-                   + player("videoItemReady") + states({3, 1, 3}),
-               queueCommand, pads({"video/x-raw"}, 2));
-        QCOMPARE(m_host->load(m_film), complete);
-        expect(
-            command(0, search(m_film) + "MP: found entry in map\n" + states({2, 3}) + "MP: done\n"),
-            queueCommand, pads(m_filmPads));
-        QCOMPARE(m_host->load(m_film), complete);
-        expect(command(0, player("loadFile") + "MP: Skip same filename\n"), queueCommand);
-        QCOMPARE(m_host->load("no URI"), failed);
-        expect(command(0, player("loadFile")), queueCommand);
-        QCOMPARE(m_host->load("file:///letter.txt"), failed);
-        expect(command(0, search("file:///letter.txt") + created + states({3})), queueCommand);
-        QCOMPARE(m_host->load(m_tone), complete);
-        expect(command(0, search(m_tone) + created + "MP: pure audio\n" + states({2, 2, 3})),
-               queueCommand, pads({"audio/x-raw"}));
+        load(m_silentFilm, complete,
+             search(m_silentFilm) + created + "MP: video\n" + states({2, 2}),
+             player("videoItemReady") + states({3, 1, 3}), m_silentPads, 2);
+        load(m_film, complete, search(m_film) + found, {}, m_filmPads);
+        load(m_film, complete, "MP: Skip same filename\n");
+        load("no URI", failed, {});
+        load("file:///letter.txt", failed, search("file:///letter.txt") + created + states({3}));
+        load(m_tone, complete, search(m_tone) + created + "MP: pure audio\n" + states({2, 2, 3}),
+             {}, {"audio/x-raw"});
 
         // A source that never says anything.
         int ends[2];
         QCOMPARE(pipe(ends), 0);
         const QByteArray never = "fd://" + QByteArray::number(ends[0]) + "/never.wav";
-        QCOMPARE(m_host->load(never), complete);
-        expect(
-            command(0, search(never) + created + "MP: pure audio\n" + states({2, 2, 3}) + givingUp),
-            queueCommand);
-        QCOMPARE(m_host->load(m_film), complete);
-        expect(
-            command(0, search(m_film) + "MP: found entry in map\n" + states({2, 3}) + "MP: done\n"),
-            queueCommand, pads(m_filmPads));
+        load(never, complete,
+             search(never) + created + "MP: pure audio\n" + states({2, 2, 3}) + givingUp);
+        load(m_film, complete, search(m_film) + found, {}, m_filmPads);
         close(ends[0]);
         close(ends[1]);
     }
 
+    void play()
+    {
+        QCOMPARE(m_host->play(GST_STATE_PLAYING), complete);
+        expect(command(2, player("updateSize") + states({4})), queueCommand);
+    }
+
     void hideAndShow()
     {
-        m_host->record.playState = GST_STATE_PLAYING;
-        run(MediaPlayerCommandPlayState);
-        expect(command(2, player("updateSize") + states({4})), queueCommand);
+        play();
         AWAIT_EQUAL(m_host->state(), GST_STATE_PLAYING);
         m_host->record.pauseOnSave = 1;
         m_host->record.resumeOnRestore = 1;
@@ -317,7 +237,7 @@ private:
     {
         AWAIT_EQUAL(m_host->state(), GST_STATE_PLAYING);
         m_host->record.seekPosition = 9 * GST_SECOND;
-        run(MediaPlayerCommandSeek);
+        QCOMPARE(m_host->run(MediaPlayerCommandSeek), complete);
         AWAIT_EQUAL(m_host->state(), GST_STATE_PAUSED);
         expect(command(4), queueCommand + states({2, 3, 1, 3}), pads(m_filmPads, 2));
     }
@@ -334,16 +254,10 @@ private:
     /// A stream that the audio chain is offered and cannot take.
     void refusedPad()
     {
-        QCOMPARE(m_host->load(m_silentFilm), complete);
-        expect(command(0,
-                       search(m_silentFilm) + "MP: found entry in map\n" + states({2, 3})
-                           + "MP: done\n"),
-               queueCommand, pads({"video/x-raw"}));
-        GstPad *pad = gst_pad_new("text", GST_PAD_SRC);
-        gst_pad_use_fixed_caps(pad);
-        gst_pad_set_active(pad, TRUE);
+        load(m_silentFilm, complete, search(m_silentFilm) + found, {}, m_silentPads);
         GstCaps *caps = gst_caps_new_empty_simple("text/x-raw");
-        gst_pad_set_caps(pad, caps);
+        GstPad *pad = gst_pad_new_from_template(
+            gst_pad_template_new("text", GST_PAD_SRC, GST_PAD_ALWAYS, caps), "text");
         pad_added_handler(nullptr, pad, m_host->view());
         expect(QByteArray("pad_added_handler MP\nReceived new pad 'text' from '")
                + GST_OBJECT_NAME(m_host->view()->pipeline)
@@ -372,6 +286,7 @@ private:
     const QByteArray m_film = media("quadrants.webm");
     const QByteArrayList m_filmPads = {"video/x-raw", "audio/x-raw"};
     const QByteArray m_silentFilm = media("yellow.mp4");
+    const QByteArrayList m_silentPads = {"video/x-raw"};
     const QByteArray m_tone = media("tone.flac");
 
     std::unique_ptr<Recorder> m_recorder;
