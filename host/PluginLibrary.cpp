@@ -50,7 +50,7 @@ QString PluginLibrary::load(const QString &path)
 QString PluginLibrary::defaultPath()
 {
     const QDir programs(QCoreApplication::applicationDirPath());
-    const QString name = QStringLiteral("libMediaPlayer.so");
+    QString name = QStringLiteral("libMediaPlayer.so");
     const QString candidates[] = {programs.filePath(name),
                                   programs.filePath(QStringLiteral("../") + name),
                                   QStringLiteral(MEDIAPLAYER_PLUGIN_DIR "/") + name};

@@ -4,6 +4,7 @@
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
+#include <compare>
 
 static bool isTime(const QString &text)
 {
@@ -31,14 +32,14 @@ std::optional<Condition> Condition::parse(const QString &text)
 static bool compare(const QString &comparison, std::partial_ordering order)
 {
     if (comparison == QLatin1String("="))
-        return order == 0;
+        return std::is_eq(order);
     if (comparison == QLatin1String("!="))
-        return order != 0;
+        return std::is_neq(order);
     if (comparison == QLatin1String("<"))
-        return order < 0;
+        return std::is_lt(order);
     if (comparison == QLatin1String("<="))
-        return order <= 0;
-    return comparison == QLatin1String(">") ? order > 0 : order >= 0;
+        return std::is_lteq(order);
+    return comparison == QLatin1String(">") ? std::is_gt(order) : std::is_gteq(order);
 }
 
 bool Condition::holds(MediaPlayerParams &record) const
