@@ -5,9 +5,11 @@
 #include <QtCore/QMimeData>
 #include <QtGui/QDropEvent>
 #include <QtGui/QScreen>
+#include <QtWidgets/QDockWidget>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QInputDialog>
+#include <QtWidgets/QMenuBar>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QStyle>
 
@@ -131,7 +133,18 @@ void MainWindow::askForAddress()
 
 void MainWindow::toggleFullScreen()
 {
-    setWindowState(windowState() ^ Qt::WindowFullScreen);
+    const bool full = !isFullScreen();
+    menuBar()->setVisible(!full);
+    statusBar()->setVisible(!full);
+    if (full) {
+        docksOfWindow = saveState();
+        for (QDockWidget *dock : findChildren<QDockWidget *>())
+            dock->hide();
+        showFullScreen();
+    } else {
+        restoreState(docksOfWindow);
+        showNormal();
+    }
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)

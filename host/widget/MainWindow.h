@@ -46,6 +46,7 @@ private:
     Session &session;
     const PluginLibrary &library;
     QList<VideoArea *> areas;
+    QByteArray docksOfWindow;
     QGridLayout *grid = nullptr;
     QWidget *transport = nullptr;
     QAction *playAction = nullptr;

@@ -16,6 +16,7 @@ QAction *MainWindow::addTo(QMenu *menu, const QString &text, const QList<QKeySeq
 {
     QAction *action = menu->addAction(text);
     action->setShortcuts(keys);
+    addAction(action); // the keys work while the menu is hidden, too
     connect(action, &QAction::triggered, this, run);
     return action;
 }
@@ -26,6 +27,7 @@ QAction *MainWindow::addCheckable(QMenu *menu, const QString &text, const QKeySe
     QAction *action = menu->addAction(text);
     action->setCheckable(true);
     action->setShortcut(key);
+    addAction(action);
     connect(action, &QAction::triggered, this, run);
     return action;
 }
@@ -90,7 +92,10 @@ void MainWindow::buildActions()
     connect(&session, &Session::traceChanged, trace,
             [this, trace] { trace->setChecked(session.traces()); });
     auto *leaveFullScreen = new QShortcut(QKeySequence::Cancel, this);
-    connect(leaveFullScreen, &QShortcut::activated, this, &QWidget::showNormal);
+    connect(leaveFullScreen, &QShortcut::activated, this, [this] {
+        if (isFullScreen())
+            toggleFullScreen();
+    });
 }
 
 QWidget *MainWindow::makePlaylist()
@@ -130,6 +135,7 @@ void MainWindow::buildDocks()
     view->addSeparator();
     const auto addDock = [this, view](const QString &title, QWidget *content) {
         auto *dock = new QDockWidget(title);
+        dock->setObjectName(title);
         dock->setWidget(content);
         addDockWidget(Qt::RightDockWidgetArea, dock);
         view->addAction(dock->toggleViewAction());
