@@ -67,26 +67,39 @@ void convert(GstElement *pipeline, const Chain &chain, GstPad *stream)
         takeConverterOut(pipeline, chain);
 }
 
+/// The decoder's own pad behind a pad that the source shows. Formats are first refused there.
+ObjectRef<GstPad> originOf(GstPad *stream)
+{
+    ObjectRef<GstPad> pad(stream ? GST_PAD(gst_object_ref(stream)) : nullptr);
+    while (pad && GST_IS_GHOST_PAD(pad.get()))
+        pad.reset(gst_ghost_pad_get_target(GST_GHOST_PAD(pad.get())));
+    return pad;
+}
+
 struct Conversion {
     GstElement *pipeline;
     Chain chain;
 };
 
-/// The stream's format reaches the chain, the first or a new one. What the sink takes is known
-/// only now that its device is open.
-GstPadProbeReturn beforeFormat(GstPad *stream, GstPadProbeInfo *info, gpointer data)
+/// The stream's format is about to reach the chain, the first or a new one. A decoder may have
+/// been linked before it knew its format, and what the sink takes is known only now that its
+/// device is open.
+GstPadProbeReturn beforeFormat(GstPad *origin, GstPadProbeInfo *info, gpointer data)
 {
     GstEvent *const event = GST_PAD_PROBE_INFO_EVENT(info);
+    if (GST_EVENT_TYPE(event) != GST_EVENT_CAPS)
+        return GST_PAD_PROBE_OK;
     const auto &[pipeline, chain] = *static_cast<const Conversion *>(data);
     const auto entry = sinkPadOf(chain.elements.front());
-    if (GST_EVENT_TYPE(event) != GST_EVENT_CAPS || GST_PAD_PEER(stream) != entry.get())
+    const ObjectRef<GstPad> stream(gst_pad_get_peer(entry.get()));
+    if (originOf(stream.get()).get() != origin)
         return GST_PAD_PROBE_OK;
     GstCaps *format = nullptr;
     gst_event_parse_caps(event, &format);
-    if (const CapsRef taken(gst_pad_query_caps(entry.get(), format));
-        gst_caps_is_empty(taken.get())) {
-        gst_pad_unlink(stream, entry.get());
-        convert(pipeline, chain, stream);
+    const CapsRef taken(gst_pad_query_caps(entry.get(), format));
+    if (gst_caps_is_empty(taken.get())) {
+        gst_pad_unlink(stream.get(), entry.get());
+        convert(pipeline, chain, stream.get());
     }
     return GST_PAD_PROBE_OK;
 }
@@ -128,7 +141,7 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
         if (convertible)
             convert(pipeline, chain, stream);
     } else if (convertible) {
-        gst_pad_add_probe(stream, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, beforeFormat,
+        gst_pad_add_probe(originOf(stream).get(), GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, beforeFormat,
                           new Conversion {pipeline, chain},
                           [](gpointer data) { delete static_cast<Conversion *>(data); });
     }
