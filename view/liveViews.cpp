@@ -18,13 +18,14 @@ std::vector<MediaPlayerView *> &liveViews()
     return *views;
 }
 
-// A process that calls exit() without deleting its application object comes here with its players
-// alive. Qt is going, so they are not deleted; but nothing of ours may run on.
+// A process that calls exit() while its application object lives comes here with its players alive.
+// Qt is going, so they are not deleted any more; but nothing of ours may run on.
 struct AtExit {
     ~AtExit()
     {
         for (MediaPlayerView *view : liveViews())
             view->silence();
+        liveViews().clear();
     }
 };
 
