@@ -11,6 +11,7 @@ static Script demoScript(const QString &uri, const QString &picture)
 {
     static const char *const lines[] = {
         "load %1",
+        "expect error=0",
         "wait state=paused duration>0 30",
         "report loaded",
         "play",

@@ -51,9 +51,9 @@ QString PluginLibrary::defaultPath()
 {
     const QDir programs(QCoreApplication::applicationDirPath());
     QString name = QStringLiteral("libMediaPlayer.so");
-    const QString candidates[] = {programs.filePath(name),
-                                  programs.filePath(QStringLiteral("../") + name),
-                                  QStringLiteral(MEDIAPLAYER_PLUGIN_DIR "/") + name};
+    const QString candidates[] = {
+        programs.filePath(name), programs.filePath(QStringLiteral("../") + name),
+        programs.filePath(QStringLiteral("../" MEDIAPLAYER_PLUGIN_DIR "/") + name)};
     for (const QString &candidate : candidates) {
         if (QFileInfo::exists(candidate))
             return QDir::cleanPath(candidate);
