@@ -85,7 +85,7 @@ void MediaPlayerView::runCommand(std::int32_t command)
             videoItem->setOpacity(loadRelaxed(params->opacity));
         break;
     case MediaPlayerCommandKeepAspectRatio:
-        if (videoSink) {
+        if (videoSink && videoItem) { // the sink keeps the policy in its item
             const gboolean keep = loadRelaxed(params->keepAspectRatio) != 0;
             g_object_set(videoSink, "force-aspect-ratio", keep, nullptr);
         }
