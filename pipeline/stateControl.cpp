@@ -1,5 +1,6 @@
 #include "diagnostics/Trace.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/sinkContexts.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
@@ -53,7 +54,9 @@ GstStateChangeReturn MediaPlayerView::gstElementSetState(GstState state)
 
     const bool down = state == GST_STATE_NULL || state == GST_STATE_READY;
     const bool endsRun = state == GST_STATE_READY && isAboveReady(current);
+    SinkContexts contexts(loadRelaxed(videoSink));
     const GstStateChangeReturn result = changeState(current, state);
+    contexts.giveBack();
     if (down)
         nextGeneration();
     if (endsRun)
