@@ -1,0 +1,71 @@
+#include "tests/fixture.h"
+
+#include <sys/vfs.h>
+
+// Runs where the scene's folder is an empty one of its own, see CMakeLists.txt; SCENE names what to
+// put there. The engine remembers files, so each case is a process.
+
+namespace
+{
+
+const QString folder = QStringLiteral("/opt/VexadorControl/");
+constexpr auto tmpfsMagic = 0x01021994;
+
+const QHash<QByteArray, QByteArray> scenes = {
+    {"missing", ""},
+    {"no-item", "import QtQml\nQtObject { }\n"},
+    {"broken", "import QtQuick\nItem {\n"},
+    {"bare",
+     "import QtQuick\nItem {\n"
+     "    signal videoSurfaceReadyChanged(bool ready)\n    signal destruct\n}\n"},
+};
+
+} // namespace
+
+class SceneTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        struct statfs status;
+        QVERIFY(statfs(qPrintable(folder), &status) == 0 && status.f_type == tmpfsMagic);
+        const QByteArray scene = qgetenv("SCENE");
+        QVERIFY(scenes.contains(scene));
+        for (const char *name : {"VideoObjectQt6.qml", "QMLView.qml"}) {
+            QFile file(folder + QLatin1String(name));
+            if (scene != "missing")
+                QVERIFY(file.open(QIODevice::WriteOnly) && file.write(scenes[scene]) > 0);
+        }
+    }
+
+    void soundPlaysAndNothingIsDrawn_data()
+    {
+        forBothKinds([](const char *name, Host::Kind kind) { QTest::newRow(name) << kind; });
+    }
+    void soundPlaysAndNothingIsDrawn()
+    {
+        QFETCH(Host::Kind, kind);
+        Host host(kind);
+        host.open(media("tone.flac"));
+        QVERIFY(host.control && host.view());
+        QCOMPARE(host.view()->videoObject.isNull(), qgetenv("SCENE") != "bare");
+        AWAIT_EQUAL(int(loadRelaxed(host.record.attached)), 1);
+        QCOMPARE(host.play(4), complete);
+        AWAIT(host.position() > 0);
+
+        QCOMPARE(host.load(media("quadrants.webm")), complete);
+        for (const int command : {1, 3, 4, 9, 10, 11, 12})
+            QCOMPARE(host.run(command), complete);
+        QCOMPARE(host.picture(), "MMMM");
+        QCOMPARE(host.load(media("tone.flac")), complete);
+        QCOMPARE(host.play(4), complete);
+        AWAIT(host.position() > 0);
+        host.control->SysNativeControlShow(0);
+        AWAIT_EQUAL(int(loadRelaxed(host.record.attached)), 0);
+    }
+};
+
+PLAYER_TEST_MAIN(SceneTest)
+#include "scene_test.moc"
