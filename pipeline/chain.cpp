@@ -67,13 +67,17 @@ void convert(GstElement *pipeline, const Chain &chain, GstPad *stream)
         takeConverterOut(pipeline, chain);
 }
 
-/// The decoder's own pad behind a pad that the source shows. Formats are first refused there.
-ObjectRef<GstPad> originOf(GstPad *stream)
+/// What a pad that the source shows stands for, in the end the decoder's own pad.
+ObjectRef<GstPad> targetOf(GstPad *pad)
 {
-    ObjectRef<GstPad> pad(stream ? GST_PAD(gst_object_ref(stream)) : nullptr);
-    while (pad && GST_IS_GHOST_PAD(pad.get()))
-        pad.reset(gst_ghost_pad_get_target(GST_GHOST_PAD(pad.get())));
-    return pad;
+    return ObjectRef<GstPad>(GST_IS_GHOST_PAD(pad) ? gst_ghost_pad_get_target(GST_GHOST_PAD(pad))
+                                                   : nullptr);
+}
+
+bool standsFor(GstPad *stream, const GstPad *pad)
+{
+    const auto target = targetOf(stream);
+    return stream == pad || (target && standsFor(target.get(), pad));
 }
 
 struct Conversion {
@@ -81,10 +85,10 @@ struct Conversion {
     Chain chain;
 };
 
-/// The stream's format is about to reach the chain, the first or a new one. A decoder may have
-/// been linked before it knew its format, and what the sink takes is known only now that its
-/// device is open.
-GstPadProbeReturn beforeFormat(GstPad *origin, GstPadProbeInfo *info, gpointer data)
+/// The stream's format is on its way to the chain, the first or a new one. A decoder may have been
+/// linked before it knew its format, and what the sink takes is known only now that its device is
+/// open.
+GstPadProbeReturn beforeFormat(GstPad *pad, GstPadProbeInfo *info, gpointer data)
 {
     GstEvent *const event = GST_PAD_PROBE_INFO_EVENT(info);
     if (GST_EVENT_TYPE(event) != GST_EVENT_CAPS)
@@ -92,7 +96,7 @@ GstPadProbeReturn beforeFormat(GstPad *origin, GstPadProbeInfo *info, gpointer d
     const auto &[pipeline, chain] = *static_cast<const Conversion *>(data);
     const auto entry = sinkPadOf(chain.elements.front());
     const ObjectRef<GstPad> stream(gst_pad_get_peer(entry.get()));
-    if (originOf(stream.get()).get() != origin)
+    if (!stream || !standsFor(stream.get(), pad))
         return GST_PAD_PROBE_OK;
     GstCaps *format = nullptr;
     gst_event_parse_caps(event, &format);
@@ -102,6 +106,16 @@ GstPadProbeReturn beforeFormat(GstPad *origin, GstPadProbeInfo *info, gpointer d
         convert(pipeline, chain, stream.get());
     }
     return GST_PAD_PROBE_OK;
+}
+
+/// Each pad on the way is asked whether it takes the format, so it is watched before each.
+void watchFormat(GstElement *pipeline, const Chain &chain, GstPad *stream)
+{
+    gst_pad_add_probe(stream, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, beforeFormat,
+                      new Conversion {pipeline, chain},
+                      [](gpointer data) { delete static_cast<Conversion *>(data); });
+    if (const auto target = targetOf(stream))
+        watchFormat(pipeline, chain, target.get());
 }
 
 } // namespace
@@ -141,9 +155,7 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
         if (convertible)
             convert(pipeline, chain, stream);
     } else if (convertible) {
-        gst_pad_add_probe(originOf(stream).get(), GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, beforeFormat,
-                          new Conversion {pipeline, chain},
-                          [](gpointer data) { delete static_cast<Conversion *>(data); });
+        watchFormat(pipeline, chain, stream);
     }
     for (GstElement *element : chain.elements) {
         if (element)
