@@ -37,11 +37,6 @@ void kindsAndMedia()
     });
 }
 
-void kinds()
-{
-    forBothKinds([](const char *name, Host::Kind kind) { QTest::newRow(name) << kind; });
-}
-
 using Operands = std::function<void(MediaPlayerParams &)>;
 
 Operands transform(qint8 bit0, qint8 bit1, int angle)
@@ -82,11 +77,7 @@ class CommandsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
-        enableWorkaround = 0;
-    }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
     void eachCommandDoesItsWork_data() { kindsAndMedia(); }
     void eachCommandDoesItsWork()
@@ -154,7 +145,7 @@ private Q_SLOTS:
         QVERIFY(host.strayBytesKept());
     }
 
-    void pictureFollowsCommands_data() { kinds(); }
+    void pictureFollowsCommands_data() { addKinds(); }
     void pictureFollowsCommands()
     {
         QFETCH(Host::Kind, kind);
@@ -186,7 +177,7 @@ private Q_SLOTS:
         }
     }
 
-    void pictureKeepsItsShape_data() { kinds(); }
+    void pictureKeepsItsShape_data() { addKinds(); }
     void pictureKeepsItsShape()
     {
         QFETCH(Host::Kind, kind);
@@ -225,58 +216,6 @@ private Q_SLOTS:
         AWAIT(host.position() > 0);
     }
 
-    void playerOutlivesItsControl_data()
-    {
-        QTest::addColumn<bool>("workaround");
-        forBothKinds([](const char *name, Host::Kind kind) {
-            QTest::addRow("%s, workaround", name) << true << kind;
-            if (kind == Host::Quick)
-                QTest::addRow("%s", name) << false << kind;
-        });
-    }
-    void playerOutlivesItsControl()
-    {
-        QFETCH(bool, workaround);
-        QFETCH(Host::Kind, kind);
-        enableWorkaround = workaround;
-        Host host(kind);
-        host.open(media("quadrants.webm"));
-        AWAIT_EQUAL(host.picture(), "RGBW");
-        crop(320, 0, 0, 0)(host.record);
-        QCOMPARE(host.play(4), complete);
-        AWAIT_EQUAL(host.state(), 4);
-        MediaPlayerView *const before = host.view();
-
-        host.control->SysNativeControlShow(2); // any number but 1 hides
-        AWAIT_EQUAL(int(loadRelaxed(host.record.attached)), 0);
-        AWAIT_EQUAL(host.picture(), "MMMM");
-        host.destroyControl();
-        const qint64 hidden = host.position();
-        AWAIT(host.position() > hidden);
-
-        host.create();
-        host.registerRecord();
-        QCOMPARE(host.view(), before);
-        host.control->SysNativeControlShow(1);
-        AWAIT_EQUAL(int(loadRelaxed(host.record.attached)), 1);
-        AWAIT_EQUAL(host.picture(), "GGWW"); // with its crop
-        QCOMPARE(host.state(), 4);
-        QVERIFY(host.position() > hidden);
-    }
-
-    void widgetControlTakesItsPlayerAlong()
-    {
-        Host host(Host::Widget);
-        host.open(media("quadrants.webm"));
-        AWAIT_EQUAL(host.picture(), "RGBW");
-        QPointer<MediaPlayerView> first(host.view());
-        host.destroyControl();
-        AWAIT(!first);
-        QVERIFY(!host.view());
-        host.open(media("yellow.mp4"));
-        AWAIT_EQUAL(host.picture(), "YYYY");
-    }
-
     void cornersAreInclusive()
     {
         Host host(Host::Widget);
@@ -290,7 +229,7 @@ private Q_SLOTS:
         AWAIT_EQUAL(area->rootObject()->size(), QSizeF(320, 240));
     }
 
-    void nothingInTheRecordBreaksIt_data() { kinds(); }
+    void nothingInTheRecordBreaksIt_data() { addKinds(); }
     void nothingInTheRecordBreaksIt()
     {
         QFETCH(Host::Kind, kind);

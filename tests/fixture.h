@@ -86,6 +86,9 @@ public:
 /// Adds the column "kind"; `addRows` is called for each kind with the name of the row.
 void forBothKinds(const std::function<void(const char *name, Host::Kind kind)> &addRows);
 
+/// Adds the column "kind" with a row for each.
+void addKinds();
+
 /// The URI of one of the files that tests/make-media makes.
 QByteArray media(const char *name);
 

@@ -3,11 +3,6 @@
 namespace
 {
 
-void kinds()
-{
-    forBothKinds([](const char *name, Host::Kind kind) { QTest::newRow(name) << kind; });
-}
-
 /// Another name of a file, made so long that its URI fills the record's field.
 QByteArray longestNameOf(const char *name, const QTemporaryDir &folder)
 {
@@ -33,7 +28,7 @@ class LoadingTest : public QObject
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
-    void aReturnBuildsNothing_data() { kinds(); }
+    void aReturnBuildsNothing_data() { addKinds(); }
     void aReturnBuildsNothing()
     {
         QFETCH(Host::Kind, kind);
@@ -73,7 +68,7 @@ private Q_SLOTS:
         AWAIT_EQUAL(host.picture(), "RGBW");
     }
 
-    void anUnsupportedFileIsRefused_data() { kinds(); }
+    void anUnsupportedFileIsRefused_data() { addKinds(); }
     void anUnsupportedFileIsRefused()
     {
         QFETCH(Host::Kind, kind);
@@ -157,7 +152,7 @@ private Q_SLOTS:
         AWAIT_EQUAL(host.overlay(), QString());
     }
 
-    void theOverlayStaysUntilThereIsSomething_data() { kinds(); }
+    void theOverlayStaysUntilThereIsSomething_data() { addKinds(); }
     void theOverlayStaysUntilThereIsSomething()
     {
         QFETCH(Host::Kind, kind);
