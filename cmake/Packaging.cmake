@@ -1,0 +1,62 @@
+# What "cmake --install" puts where, how other projects find it, and the Debian package.
+include(CMakePackageConfigHelpers)
+
+set(includeDir ${CMAKE_INSTALL_INCLUDEDIR}/MediaPlayer)
+set(pluginDir ${CMAKE_INSTALL_LIBDIR}/mediaplayer)
+set(plugin ${pluginDir}/${CMAKE_SHARED_MODULE_PREFIX}MediaPlayer${CMAKE_SHARED_MODULE_SUFFIX})
+set(configDir ${CMAKE_INSTALL_LIBDIR}/cmake/MediaPlayer)
+set(pkgConfigDir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(TARGETS MediaPlayer LIBRARY DESTINATION ${pluginDir})
+install(FILES
+  boundary/BasicWidget.h
+  boundary/MediaPlayerFactories.h
+  boundary/MediaPlayerParams.h
+  diagnostics/MediaPlayerDiagnostics.h
+  DESTINATION ${includeDir})
+install(FILES docs/diagnostics.md docs/host-guide.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/mediaplayer)
+
+configure_package_config_file(cmake/MediaPlayerConfig.cmake.in MediaPlayerConfig.cmake
+  INSTALL_DESTINATION ${configDir} PATH_VARS includeDir plugin)
+write_basic_package_version_file(MediaPlayerConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES
+  ${CMAKE_CURRENT_BINARY_DIR}/MediaPlayerConfig.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/MediaPlayerConfigVersion.cmake
+  DESTINATION ${configDir})
+
+# Relative to the file itself, so that an installation can be moved or staged.
+file(RELATIVE_PATH pkgConfigToPrefix
+  ${CMAKE_INSTALL_PREFIX}/${pkgConfigDir} ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" pkgConfigToPrefix ${pkgConfigToPrefix})
+configure_file(cmake/mediaplayer.pc.in mediaplayer.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mediaplayer.pc DESTINATION ${pkgConfigDir})
+
+# Of the packages that are needed to run, dpkg-shlibdeps finds those that are linked. The others
+# are loaded while a program runs, and are taken from the scripts' list.
+file(READ cmake/packages.sh packages)
+set(loadedAtRunTime "")
+foreach(list packagesRun packagesHosts)
+  if(NOT packages MATCHES "${list}=\\(([^)]+)\\)")
+    message(FATAL_ERROR "cmake/packages.sh has no list ${list}")
+  endif()
+  string(REGEX MATCHALL "[^ \n]+" names "${CMAKE_MATCH_1}")
+  list(APPEND loadedAtRunTime ${names})
+endforeach()
+list(JOIN loadedAtRunTime ", " loadedAtRunTime)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME mediaplayer)
+set(CPACK_PACKAGE_CONTACT "MediaPlayer maintainers <maintainers@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Media player controls for Qt 6 programs")
+set(CPACK_PACKAGE_DESCRIPTION
+"A plug-in that a Qt 6 program loads at run time to place media players into its windows, the
+headers to write such a program with, and an example of one for widgets and one for Qt Quick.")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_SET_DESTDIR ON) # the scene files have an absolute path
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "${loadedAtRunTime}")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS qt6-base-dev)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+include(CPack)
