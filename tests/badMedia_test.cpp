@@ -165,7 +165,13 @@ void BadMediaTest::checkOutcome(Host &host, const QByteArray &uri, int allowed)
             && host.overlay() == QLatin1String("Error loading media");
     };
     const auto settled = [&] { return host.pipelineStates().first() == GST_STATE_PAUSED; };
-    AWAIT(reported() || settled());
+    const bool answered = QTest::qWaitFor([&] { return reported() || settled(); }, patience);
+    QVERIFY2(answered,
+             QStringLiteral("error %1, overlay \"%2\", state %3")
+                 .arg(int(host.record.error))
+                 .arg(host.overlay())
+                 .arg(host.pipelineStates().first())
+                 .toUtf8());
     if (reported()) {
         QVERIFY2(allowed & Reported, "an error was reported");
         return;
@@ -286,8 +292,10 @@ void BadMediaTest::servers()
 void BadMediaTest::damaged_data()
 {
     QTest::addColumn<QByteArray>("file");
+    // No .avi: GStreamer 1.22's avidemux writes a critical of its own for one that is cut
+    // (gst_flow_combiner_update_pad_flow without a pad).
     for (const char *name :
-         {"h264-aac.mp4", "vp8-vorbis.webm", "mpeg4-mp3.avi", "mpeg2-ac3.m2ts", "tone.mp3"})
+         {"h264-aac.mp4", "vp8-vorbis.webm", "theora-vorbis.ogv", "mpeg2-ac3.m2ts", "tone.mp3"})
         QTest::newRow(name) << QByteArray(name);
 }
 
