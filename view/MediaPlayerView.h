@@ -131,7 +131,7 @@ public:
     //   commandQueued                 update; GUI clears  update
     //   commandRunning                GUI (release)       update under lock
     //   bound, widgetsLeftBehind,     GUI                 GUI
-    //   readyIn
+    //   readyIn, arrivingIn, arrivals
     //   the record's `execute`        host (release);     update, GUI (acquire)
     //                                 GUI lowers it
     //                                 (release)
@@ -195,6 +195,11 @@ public:
     /// The window in which the video item last reported itself initialised.
     QPointer<QWindow> readyIn;
 
+    /// The window that the video item has come into and that has not synchronized since, and how
+    /// many times the item has come into one.
+    QPointer<QQuickWindow> arrivingIn;
+    unsigned arrivals = 0;
+
     /// Quick widgets of controls that are gone; deleted when the video object has left them.
     QList<QPointer<QQuickWidget>> widgetsLeftBehind;
 
@@ -208,6 +213,7 @@ public:
 
     // view/
     void attachVideoObject();
+    void videoItemArrives(QQuickWindow *in); // null when it has left
     void moveHostItemToOrigin();
     void pauseForSave();
     void resumeAfterRestore();

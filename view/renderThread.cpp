@@ -32,3 +32,12 @@ void keepRenderThreadsClean(QQuickItem *videoItem)
                                                       Qt::DirectConnection);
                      });
 }
+
+// GStreamer's item hands each window that it comes into a render job with a bare pointer to
+// itself. The window runs its jobs when it synchronizes or ends, before it deletes its children.
+void outliveRenderJob(QQuickItem *videoItem, QQuickWindow *window)
+{
+    videoItem->setParentItem(nullptr);
+    videoItem->setParent(window);
+    QObject::connect(window, &QQuickWindow::afterSynchronizing, videoItem, &QObject::deleteLater);
+}

@@ -65,9 +65,25 @@ void MediaPlayerView::initQuickWidget()
     traceLine("MediaPlayerView::connect onVisible");
     connect(videoObject, SIGNAL(videoSurfaceReadyChanged(bool)), this, SLOT(onVisible(bool)));
     connect(videoObject, SIGNAL(destruct()), this, SLOT(onDestruct()));
-    if (QQuickItem *item = findVideoItem(videoObject))
+    if (QQuickItem *item = findVideoItem(videoObject)) {
         keepRenderThreadsClean(item);
+        connect(item, &QQuickItem::windowChanged, this, &MediaPlayerView::videoItemArrives);
+    }
     attachVideoObject();
+}
+
+void MediaPlayerView::videoItemArrives(QQuickWindow *in)
+{
+    if (!in)
+        return; // what the window was given to run is still to be run
+    arrivingIn = in;
+    connect(
+        in, &QQuickWindow::afterSynchronizing, this,
+        [this, arrival = ++arrivals] {
+            if (arrival == arrivals)
+                arrivingIn = nullptr;
+        },
+        Qt::ConnectionType(Qt::AutoConnection | Qt::SingleShotConnection));
 }
 
 // The host's item may answer a new child with whatever its QML does.
