@@ -2,7 +2,9 @@
 #include "Subject.h"
 
 #include <QtCore/QUrl>
+#include <QtMultimedia/QAudioDevice>
 #include <QtMultimedia/QAudioOutput>
+#include <QtMultimedia/QMediaDevices>
 #include <QtMultimedia/QMediaPlayer>
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
@@ -27,7 +29,9 @@ public:
         output->setParent(place);
         output->setParentItem(place);
         player.setVideoOutput(output);
-        player.setAudioOutput(&audio);
+        // Without a device the FFmpeg backend of 6.4 crashes in play() once it is given an output.
+        if (!QMediaDevices::defaultAudioOutput().isNull())
+            player.setAudioOutput(&audio);
     }
 
     void open(const QString &uri) override
