@@ -1,5 +1,6 @@
 #include "diagnostics/Trace.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/lostError.h"
 #include "pipeline/sinkContexts.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
@@ -56,6 +57,8 @@ GstStateChangeReturn MediaPlayerView::gstElementSetState(GstState state)
     const bool endsRun = state == GST_STATE_READY && isAboveReady(current);
     SinkContexts contexts(loadRelaxed(videoSink));
     const GstStateChangeReturn result = changeState(current, state);
+    if (result == GST_STATE_CHANGE_ASYNC)
+        tellLostError(current);
     contexts.giveBack();
     if (down)
         nextGeneration();
