@@ -283,7 +283,7 @@ void RacesTest::endMeetsCommand()
     });
     postEnd(ended);
     QVERIFY(blockUntil([&] { return gate.reached.load(); }));
-    const auto generation = meeting->generation;
+    const auto generation = loadRelaxed(meeting->generation);
     command(*m_host);
     QVERIFY(gate.passed);
     if (!state && view()) // READY for the end; NULL and no pipeline for unrefPipe; nothing between
