@@ -272,7 +272,7 @@ private Q_SLOTS:
         AWAIT_EQUAL(int(host.record.attached), 1);
         QCOMPARE(host.run(MediaPlayerCommandRebind), unanswered);
         host.control->SysNativeControlShow(0);
-        AWAIT(!host.view()->saveRequested && !loadAcquire(host.view()->invokePending));
+        AWAIT(!loadRelaxed(host.view()->saveRequested) && !loadAcquire(host.view()->invokePending));
         QCOMPARE(int(host.record.attached), workaround ? 0 : 1);
         if (!outlives)
             return;
