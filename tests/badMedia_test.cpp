@@ -201,7 +201,9 @@ void BadMediaTest::names_data()
 {
     QTest::addColumn<QByteArray>("uri");
     QTest::addColumn<int>("allowed");
-    const auto row = [](const QByteArray &uri, int allowed) {
+    auto row = [count = 0](const QByteArray &uri, int allowed) mutable {
+        if (!whole && count++ % 3 != 0)
+            return;
         QTest::newRow(uri.toPercentEncoding(":/@?#").constData()) << uri << allowed;
     };
     for (const char *malformed : {"", "a.mp4", "/a.mp4", "file", "://a.mp4", "1f:///a.mp4",
@@ -333,7 +335,7 @@ void BadMediaTest::damaged()
     };
     for (const int percent : {5, 30, 60, 95})
         check(bytes.first(bytes.size() * percent / 100));
-    for (unsigned seed = 0; seed < (whole ? 60 : 2); ++seed) {
+    for (unsigned seed = 0; seed < (whole ? 60 : 1); ++seed) {
         std::mt19937 random(seed);
         QByteArray variant = bytes;
         // Few bytes, many, or only some of those in front, where the headers are.

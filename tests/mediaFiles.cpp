@@ -33,10 +33,10 @@ const QList<MediaFile> mediaFiles = {
     {.name = "vp9-10bit.webm", .line = VP9 "! webmmux ! FILE", .sound = false, .video = "format=I420_10LE"},
     {.name = "vp9-444.webm", .line = VP9 "! webmmux ! FILE", .sound = false, .video = "format=Y444"},
     {.name = "av1.mkv", .line = AV1 "! matroskamux ! FILE", .sound = false, .decoder = "av1dec"},
-    {.name = "av1-10bit.mkv", .line = AV1 "! matroskamux ! FILE", .quick = true, .sound = false, .video = "format=I420_10LE",
+    {.name = "av1-10bit.mkv", .line = AV1 "! matroskamux ! FILE", .sound = false, .video = "format=I420_10LE",
      .decoder = "av1dec"},
     {.name = "mpeg2-ac3.m2ts", .line = "VIDEO mpeg2enc format=3 max-gop-size=KEY ! mpegvideoparse ! mpegtsmux name=m m2ts-mode=true ! FILE "
-     "AUDIO avenc_ac3 ! ac3parse ! m.", .quick = true, .seconds = 8, .fps = 25, .audio = "rate=48000,channels=2", .seekSlack = 3},
+     "AUDIO avenc_ac3 ! ac3parse ! m.", .seconds = 8, .fps = 25, .audio = "rate=48000,channels=2", .seekSlack = 3},
     {.name = "mpeg2-mp2.m2ts", .line = "VIDEO mpeg2enc format=3 max-gop-size=KEY ! mpegvideoparse ! mpegtsmux name=m ! FILE "
      "AUDIO twolamemp2enc ! mpegaudioparse ! m.", .seconds = 8, .fps = 25, .audio = "rate=48000,channels=2", .seekSlack = 3},
     {.name = "mpeg4-mp3.avi", .line = "VIDEO avenc_mpeg4 gop-size=KEY ! avimux name=m ! FILE AUDIO lamemp3enc ! mpegaudioparse ! m.",
@@ -47,7 +47,7 @@ const QList<MediaFile> mediaFiles = {
     {.name = "h264-aac.flv", .line = H264 "! h264parse ! flvmux name=m ! FILE " AAC "! m."},
     // Sound alone
     {.name = "tone.mp3", .line = "AUDIO lamemp3enc ! xingmux ! FILE", .quick = true, .picture = false},
-    {.name = "tone.m4a", .line = AAC "! mp4mux ! FILE", .quick = true, .picture = false},
+    {.name = "tone.m4a", .line = AAC "! mp4mux ! FILE", .picture = false},
     {.name = "tone.aac", .line = AAC "! audio/mpeg,stream-format=adts ! FILE", .picture = false},
     {.name = "tone.ogg", .line = VORBIS "! oggmux ! FILE", .picture = false},
     {.name = "tone.opus", .line = "AUDIO opusenc ! oggmux ! FILE", .picture = false, .audio = "rate=8000,channels=1"},
@@ -75,7 +75,7 @@ const QList<MediaFile> mediaFiles = {
     // Pictures
     {.name = "odd.mp4", .line = "VIDEO x264enc speed-preset=ultrafast key-int-max=KEY ! mp4mux ! FILE", .sound = false,
      .video = "format=Y444", .width = 101, .height = 77},
-    {.name = "odd.webm", .line = VP8 "! webmmux ! FILE", .quick = true, .sound = false, .width = 101, .height = 77},
+    {.name = "odd.webm", .line = VP8 "! webmmux ! FILE", .sound = false, .width = 101, .height = 77},
     {.name = "portrait.mp4", .line = H264 "! mp4mux ! FILE", .sound = false, .width = 120, .height = 214},
     {.name = "wide-pixels.mp4", .line = "VIDEO capssetter caps=video/x-raw,pixel-aspect-ratio=16/11 ! x264enc key-int-max=KEY ! "
      "mp4mux ! FILE", .sound = false},

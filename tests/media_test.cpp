@@ -142,7 +142,7 @@ void MediaTest::playToTheEnd(Host &host, const MediaFile &file)
     // An end goes through READY and NULL and counts as two changes more.
     const auto rewound = [&] {
         return loadRelaxed(host.view()->generation) > run + 1 && host.state() == GST_STATE_PAUSED
-            && inWholeSeconds(host.position(), 0, 0.1);
+            && inWholeSeconds(host.position(), 0, 0.3);
     };
     AWAIT(rewound());
     AWAIT_EQUAL(host.pipelineStates(), QList<int> {GST_STATE_PAUSED});
