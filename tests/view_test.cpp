@@ -66,8 +66,11 @@ private Q_SLOTS:
         QFETCH(int, result);
         QFETCH(bool, gaveUp);
         MediaPlayerView view;
-        if (!pipeline.isEmpty())
-            view.pipeline = gst_parse_launch(pipeline, nullptr);
+        if (!pipeline.isEmpty()) {
+            view.pipeline = gst_pipeline_new(nullptr);
+            gst_bin_add(GST_BIN(view.pipeline),
+                        gst_parse_bin_from_description(pipeline.constData(), FALSE, nullptr));
+        }
         // By name, as a caller on another thread would.
         auto answer = GST_STATE_CHANGE_NO_PREROLL;
         Captured output(STDOUT_FILENO);
