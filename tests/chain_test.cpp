@@ -169,7 +169,8 @@ void ChainTest::orders()
     QCOMPARE(host->view()->gstElementSetState(GST_STATE_READY), GST_STATE_CHANGE_SUCCESS);
     QCOMPARE(offer("video sound"), QByteArray());
     QCOMPARE(elementsOf(pipeline()), QByteArray(documented));
-    QCOMPARE(host->view()->gstElementSetState(GST_STATE_PLAYING), GST_STATE_CHANGE_SUCCESS);
+    host->view()->gstElementSetState(GST_STATE_PLAYING);
+    AWAIT_EQUAL(host->pipelineStates(), QList<int> {GST_STATE_PLAYING});
     AWAIT(host->position() > 0);
 }
 
@@ -189,7 +190,8 @@ void ChainTest::formatChanges()
     QFETCH(QByteArray, converter);
     QCOMPARE(offer("video sound"), QByteArray());
     prerolled();
-    QCOMPARE(host->view()->gstElementSetState(GST_STATE_PLAYING), GST_STATE_CHANGE_SUCCESS);
+    host->view()->gstElementSetState(GST_STATE_PLAYING);
+    AWAIT_EQUAL(host->pipelineStates(), QList<int> {GST_STATE_PLAYING});
     const ObjectRef<GstElement> bin(
         gst_bin_get_by_name(GST_BIN(pipeline()), QTest::currentDataTag()));
     const ObjectRef<GstPad> shown(gst_element_get_static_pad(bin.get(), "src"));
