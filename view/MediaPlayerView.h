@@ -228,7 +228,7 @@ public:
     void hideOverlay();
     void showOverlayOfPipeline(const QString &text);
     void hideOverlayOfPipeline();
-    void postForPipeline(std::function<void()> call);
+    void postForPipeline(const std::function<void()> &call);
 
     // pipeline/
     void loadCached(const PipelineCtx &record);

@@ -123,7 +123,7 @@ void MediaPlayerView::hideOverlayOfPipeline()
         [this] { QMetaObject::invokeMethod(videoObject, "hideOverlay", Qt::DirectConnection); });
 }
 
-void MediaPlayerView::postForPipeline(std::function<void()> call)
+void MediaPlayerView::postForPipeline(const std::function<void()> &call)
 {
     const GstElement *const subject = pipeline;
     QMetaObject::invokeMethod(
