@@ -38,6 +38,8 @@ public:
     {
         GstBus *bus = gst_element_get_bus(m_pipeline);
         gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
+        s_active = nullptr;
+        blockUntil([] { return s_inside == 0; });
         gst_object_unref(bus);
         gst_object_unref(m_pipeline);
     }
@@ -48,18 +50,21 @@ public:
 private:
     static GstBusSyncReply onMessage(GstBus *, GstMessage *message, gpointer)
     {
+        ++s_inside;
         Gate *const gate = s_active;
         GstState from = GST_STATE_VOID_PENDING;
         if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED)
             gst_message_parse_state_changed(message, &from, nullptr, nullptr);
-        if (GST_MESSAGE_SRC(message) == GST_OBJECT(gate->m_pipeline) && from == gate->m_from
+        if (gate && GST_MESSAGE_SRC(message) == GST_OBJECT(gate->m_pipeline) && from == gate->m_from
             && !gate->reached.exchange(true))
             gate->passed = blockUntil(gate->m_mayGoOn);
+        --s_inside;
         return GST_BUS_PASS;
     }
 
     // Not the bus's user data: ThreadSanitizer cannot see how the bus hands that over.
     static inline std::atomic<Gate *> s_active = nullptr;
+    static inline std::atomic<int> s_inside = 0; // the handler may still run when a gate goes
 
     GstElement *const m_pipeline;
     const GstState m_from;
