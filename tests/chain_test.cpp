@@ -114,7 +114,7 @@ QByteArray ChainTest::offer(const QByteArray &names)
             gst_element_set_state(old.get(), GST_STATE_NULL);
         }
     }
-    enableDebug = 1;
+    storeRelaxed(enableDebug, 1);
     Captured trace(STDOUT_FILENO);
     for (const QByteArray &name : names.split(' ')) {
         GstElement *bin = gst_parse_bin_from_description(streams[name], true, nullptr);
@@ -125,7 +125,7 @@ QByteArray ChainTest::offer(const QByteArray &names)
         gst_element_sync_state_with_parent(bin);
     }
     no_more_pads_handler(source.get(), host->view());
-    enableDebug = 0;
+    storeRelaxed(enableDebug, 0);
     const QByteArray said = trace.text();
     if (qEnvironmentVariableIsSet("SHOW"))
         fprintf(stderr, "%s", said.constData());
