@@ -37,6 +37,7 @@ private:
     bool restored = false; ///< `attached` has been raised for the view
     QElapsedTimer raised;
     QElapsedTimer hidden;
+    QElapsedTimer untrue;
     QElapsedTimer untold;
 };
 
