@@ -311,11 +311,11 @@ int main(int argc, char **argv)
         playRound();
         const SoakLevels now = SoakLevels::now();
         std::fprintf(stderr, "round %d: %s\n", round, qPrintable(now.text()));
-        if (round < roundsToWarmUp)
+        if (round < roundsToWarmUp) {
             allowed = {qMax(allowed.threads, now.threads), now.descriptors + descriptorTolerance,
                        now.gstObjects, now.heap + heapTolerance};
-        if (round < roundsToWarmUp)
             continue;
+        }
         allowed.heap += heapPerRound;
         checkLevels(allowed);
     }
