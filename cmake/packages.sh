@@ -17,8 +17,10 @@ packagesHosts=(
 )
 # A display without a screen, and what makes sample media.
 packagesHeadless=(gstreamer1.0-tools xauth xvfb)
-packagesTest=(binutils gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly util-linux)
-packagesLint=(clang-format clang-tidy shellcheck)
+packagesTest=(
+  binutils dpkg-dev file gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly util-linux
+)
+packagesLint=(clang-format clang-tidy git shellcheck)
 
 # needPackages PACKAGE...: installs those that are missing; without root, says which they are.
 needPackages()
