@@ -27,7 +27,9 @@ class Gate
 {
 public:
     Gate(GstElement *pipeline, GstState from, std::function<bool()> mayGoOn)
-        : m_pipeline(GST_ELEMENT(gst_object_ref(pipeline))), m_from(from), m_mayGoOn(mayGoOn)
+        : m_pipeline(GST_ELEMENT(gst_object_ref(pipeline)))
+        , m_from(from)
+        , m_mayGoOn(std::move(mayGoOn))
     {
         GstBus *bus = gst_element_get_bus(m_pipeline);
         s_active = this;
