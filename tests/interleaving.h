@@ -11,7 +11,9 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <functional>
 #include <mutex>
+#include <utility>
 
 // What forces threads to meet at a chosen point, and what tells that they have met.
 
