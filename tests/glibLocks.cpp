@@ -50,6 +50,26 @@ void __tsan_release(void *address);
     real(mutex);
 }
 
+// These end in a jump to the C library, which then seems to be called by whoever called GLib: from a
+// library that is suppressed the sanitizer would not see the lock released. Here they are called.
+[[gnu::visibility("default")]] void g_rec_mutex_unlock(GRecMutex *mutex)
+{
+    static const auto real = REAL(g_rec_mutex_unlock);
+    real(mutex);
+}
+
+[[gnu::visibility("default")]] void g_rw_lock_writer_unlock(GRWLock *lock)
+{
+    static const auto real = REAL(g_rw_lock_writer_unlock);
+    real(lock);
+}
+
+[[gnu::visibility("default")]] void g_rw_lock_reader_unlock(GRWLock *lock)
+{
+    static const auto real = REAL(g_rw_lock_reader_unlock);
+    real(lock);
+}
+
 [[gnu::visibility("default")]] void g_cond_wait(GCond *condition, GMutex *mutex)
 {
     static const auto real = REAL(g_cond_wait);
