@@ -29,7 +29,6 @@ class Host
 {
 public:
     enum Kind { Widget, Quick };
-
     enum Start { Shown, Hidden };
 
     /// The host's ground is magenta, its picture covers all of the window.
@@ -41,13 +40,10 @@ public:
     void setShown(bool shown); ///< the window
     void create(); ///< a new control; in a Qt Quick host under a new item
     void registerRecord();
-    void destroyControl();
+    void destroyControl() { control->SysNativeControlDestroy(); }
 
-    /// create(), registerRecord() with this medium, SysNativeControlShow(1).
-    void open(const QByteArray &uri);
-
-    /// Raises `execute` and waits for the answer.
-    QByteArray run(int command);
+    void open(const QByteArray &uri); ///< create(), registerRecord(), SysNativeControlShow(1)
+    QByteArray run(int command); ///< raises `execute` and waits for the answer
     QByteArray load(const QByteArray &uri);
     QByteArray play(int state);
 
@@ -60,31 +56,20 @@ public:
     /// Whether the bytes of the record that belong to nobody still hold what they were filled with.
     bool strayBytesKept() const;
 
-    /// What the screen shows in the middle of the four quarters, row by row: R, G, B, W, Y, K
-    /// (black), M (the host's ground), or ? for anything else.
+    /// What the screen shows in the middle of the four quarters, row by row: R, G, B, W, Y,
+    /// M (the host's ground), or ? for anything else.
     QByteArray picture();
 
-    /// The text over the picture; empty while it shows none.
-    QString overlay();
-
-    /// The states of the built pipelines, the current one first.
-    QList<int> pipelineStates();
+    QString overlay(); ///< the text over the picture; empty while it shows none
+    QList<int> pipelineStates(); ///< of all that are built, the current one first
 
     const Kind kind;
     std::unique_ptr<QWidget> widget;
     std::unique_ptr<QQuickWindow> window;
     QPointer<QQuickItem> item; ///< the host's item of a Qt Quick host
     QPointer<BasicWidget> control;
-
-private:
-    void *m_pages;
-
-public:
-    MediaPlayerParams &record;
+    MediaPlayerParams &record; ///< lies at the very end of the memory that may be touched
 };
-
-/// Adds the column "kind"; `addRows` is called for each kind with the name of the row.
-void forBothKinds(const std::function<void(const char *name, Host::Kind kind)> &addRows);
 
 /// Adds the column "kind" with a row for each.
 void addKinds();
