@@ -2,6 +2,7 @@
 #include "pipeline/padAdded.h"
 #include "tests/fixture.h"
 
+#include <array>
 #include <cstdio>
 #include <mutex>
 
@@ -10,10 +11,12 @@ namespace
 
 enum Thread { Gui, Update, Streaming };
 
+/// What the GUI thread writes, {in a widget host|in a Qt Quick host}.
 constexpr char life[] = R"($created
 C::SysNativeControlSetSettings; V::MediaPlayerView; V::init; V::gstInit; V::initQuickWidget
 V::gstInit; V::connect onVisible; V::loadFile; V::gstInit; MP: search map for $film
-$new; MP: video; =2; C::SysNativeControlShow: 1; $shown
+$new; MP: video; =2; C::SysNativeControlShow: 1
+{$able; =3; =1; =3; V::restore; restore done|V::restore; restore done; $able; =3; =1; =3}
 $play; V::updateValues: 4; $done; V::updateValues: 12; $done; V::resetItem; $unable; $able
 V::updateValues: 2; V::updateSize; =2; =1; =3; $done
 $load $silent; $new; MP: video; =2; =2; $done; V::videoItemReady; =3; =1; =3
@@ -28,11 +31,14 @@ C::SysNativeControlSetSettings; V::updateReferences; $back; V::updateValues: 4; 
 V::stabilizeAfterLoad; =2; =3; V::gstElementFactoryMake; V::nulldownAndPauseOnGuiThread; =1; =3
 $load $silent; $found; $done; pad_added_handler MP; Received new pad 'src' from 'pipeline':
   It has type 'text/x-raw'.;   Type is 'text/x-raw' but link failed.
-$gone; V::destroy thread)";
+{C::SysNativeControlDestroy; C::~MediaPlayerControl; V::onDestruct; V::~MediaPlayerView; =1|$unable
+V::onDestruct; C::onDestruct; =1; C::~MediaPlayerControl; V::~MediaPlayerView}; V::destroy thread)";
 
 QByteArray lines(QByteArray text)
 {
     const std::pair<const char *, const char *> shorthand[] = {
+        {"$created",
+         "{Create MP; C::MediaPlayerControl Widget|CreateQML MP; C::MediaPlayerControl QML}"},
         {"$load", "V::updateValues: 0; V::loadFile; MP: search map for"},
         {"$play", "V::updateValues: 2; V::updateSize; =4; $done"},
         {"$back", "C::SysNativeControlShow: 1; V::restore; =4; restore done; $able"},
@@ -44,6 +50,8 @@ QByteArray lines(QByteArray text)
         {"$unable", "###             C::onVisible: 0"},
         // The item reports itself initialised each time it is back in a window.
         {"$able", "###             C::onVisible: 1; V::videoItemReady"},
+        {"$values", "Update invoke updateValues MP"},
+        {"$restore", "Update invoke restore MP"},
         {"=", "V::gstElementSetState: "},
         {"V::", "MediaPlayerView::"},
         {"C::", "MediaPlayerControl::"},
@@ -75,54 +83,31 @@ private Q_SLOTS:
     void cleanup()
     {
         fclose(std::exchange(stdout, m_stdout));
-        std::fill(std::begin(m_written), std::end(m_written), QByteArray());
+        m_written = {};
+        m_update = nullptr;
         enableDebug = 0;
         enableWorkaround = 0;
     }
 
-    void wholeLife_data()
-    {
-        QTest::addColumn<Host::Kind>("kind");
-        QTest::addColumn<bool>("tracing");
-        QTest::newRow("widget") << Host::Widget << true;
-        QTest::newRow("quick") << Host::Quick << true;
-        QTest::newRow("widget, tracing off") << Host::Widget << false;
-    }
+    void wholeLife_data() { addKinds(); }
 
     void wholeLife()
     {
         QFETCH(Host::Kind, kind);
-        QFETCH(bool, tracing);
-        enableDebug = tracing;
+        enableDebug = 1;
         live(kind);
         if (QTest::currentTestFailed())
             return;
-        if (!tracing) {
-            QCOMPARE(written(Gui) + written(Update) + written(Streaming), QByteArray());
-            return;
-        }
-        const bool widget = kind == Host::Widget;
         QByteArray gui = life;
         gui.replace("$film", m_film).replace("$silent", m_silent).replace("$tone", m_tone);
-        gui.replace("$created",
-                    widget ? "Create MP; C::MediaPlayerControl Widget"
-                           : "CreateQML MP; C::MediaPlayerControl QML");
-        // A quick widget renders while it is being shown, a window when its turn comes.
-        gui.replace("$shown",
-                    widget ? "$able; =3; =1; =3; V::restore; restore done"
-                           : "V::restore; restore done; $able; =3; =1; =3");
-        gui.replace("$gone",
-                    widget ? "C::SysNativeControlDestroy; C::~MediaPlayerControl; "
-                             "V::onDestruct; V::~MediaPlayerView; =1"
-                           : "$unable; V::onDestruct; C::onDestruct; =1; "
-                             "C::~MediaPlayerControl; V::~MediaPlayerView");
-        QCOMPARE(written(Gui).split('\n'), lines(gui).split('\n'));
-        QByteArray update = "$restore; $values; Update invoke saveObject MP; $restore; $restore; "
-                            "Update invoke updateValues MP; =2; =3; =1; =3; "
-                            "Update invoke updateValues MP";
-        update.replace("$restore", "Update invoke restore MP");
-        update.replace("$values; ", QByteArray("Update invoke updateValues MP; ").repeated(13));
-        QCOMPARE(written(Update).split('\n'), lines(update).split('\n'));
+        QString expected = QString::fromLatin1(lines(gui));
+        expected.replace(QRegularExpression(QStringLiteral("\\{([^|]*)\\|([^}]*)\\}")),
+                         kind == Host::Widget ? QStringLiteral("\\1") : QStringLiteral("\\2"));
+        QCOMPARE(written(Gui).split('\n'), expected.toLatin1().split('\n'));
+        const QByteArray update = lines("$restore; " + QByteArray("$values; ").repeated(13)
+                                        + "Update invoke saveObject MP; $restore; $restore; "
+                                          "$values; =2; =3; =1; =3; $values");
+        QCOMPARE(written(Update).split('\n'), update.split('\n'));
         // How often a pipeline prerolls is told by its states.
         QString offered = QString::fromLatin1(written(Streaming));
         offered.replace(QRegularExpression(
@@ -132,6 +117,12 @@ private Q_SLOTS:
         const QRegularExpression prerolls(QStringLiteral(
             "^(video audio )+(video )+(video audio )+(audio )+(video audio )+(video )+$"));
         QVERIFY2(prerolls.match(offered).hasMatch(), qPrintable(offered));
+    }
+
+    void nothingIsWrittenWithTracingOff()
+    {
+        live(Host::Widget);
+        QCOMPARE(m_written[Gui] + m_written[Update] + m_written[Streaming], QByteArray());
     }
 
 private:
@@ -145,10 +136,10 @@ private:
     }
 
     /// But for the waits that a busy machine adds.
-    QByteArray written(Thread thread, const QByteArray &omitted = lines("$wait"))
+    QByteArray written(Thread thread)
     {
         const std::lock_guard guard(m_mutex);
-        return QByteArray(m_written[thread]).replace(omitted, "");
+        return QByteArray(m_written[thread]).replace(lines("$wait"), "");
     }
 
     /// While tracing waits until these are the thread's last lines.
@@ -184,7 +175,7 @@ private:
             AWAIT(settled());
             host.load(uri);
         }
-        QVERIFY(!enableDebug || written(Gui, "-").endsWith(lines("=3; $wait; $done")));
+        QVERIFY(!enableDebug || m_written[Gui].endsWith(lines("=3; $wait; $done")));
         host.load(m_film);
 
         host.play(GST_STATE_PLAYING);
@@ -239,7 +230,7 @@ private:
     const Qt::HANDLE m_gui = QThread::currentThreadId();
     Qt::HANDLE m_update = nullptr;
     std::mutex m_mutex;
-    QByteArray m_written[3];
+    std::array<QByteArray, 3> m_written;
 };
 
 PLAYER_TEST_MAIN(TraceTest)
