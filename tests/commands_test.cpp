@@ -1,4 +1,3 @@
-#include "pipeline/GstHandle.h"
 #include "tests/fixture.h"
 
 #include <limits>
@@ -14,13 +13,6 @@ T propertyOf(GstElement *element, const char *name)
     T value {};
     g_object_get(element, name, &value, nullptr);
     return value;
-}
-
-/// Whether a stream arrives at the element.
-bool isFed(GstElement *element)
-{
-    const ObjectRef<GstPad> pad(element ? gst_element_get_static_pad(element, "sink") : nullptr);
-    return pad && gst_pad_has_current_caps(pad.get());
 }
 
 /// The operands of the commands that change the picture; each command reads only its own.
@@ -48,17 +40,13 @@ private Q_SLOTS:
     void mediaFollowsCommands_data()
     {
         QTest::addColumn<Host::Kind>("kind");
-        QTest::addColumn<bool>("video");
-        QTest::addColumn<bool>("sound");
-        QTest::newRow("quadrants.webm") << Host::Widget << true << true;
-        QTest::newRow("yellow.mp4") << Host::Quick << true << false;
-        QTest::newRow("tone.flac") << Host::Quick << false << true;
+        QTest::newRow("quadrants.webm") << Host::Widget;
+        QTest::newRow("yellow.mp4") << Host::Quick; // has no sound
+        QTest::newRow("tone.flac") << Host::Quick;
     }
     void mediaFollowsCommands()
     {
         QFETCH(Host::Kind, kind);
-        QFETCH(bool, video);
-        QFETCH(bool, sound);
         Host host(kind);
         host.open(media(QTest::currentDataTag()));
         AWAIT_EQUAL(host.state(), 3);
@@ -79,9 +67,6 @@ private Q_SLOTS:
         QCOMPARE(host.play(4), complete);
         QCOMPARE(propertyOf<double>(volumeElement, "volume"), 0.5);
         AWAIT(host.state() == 4 && host.position() > 0);
-        QCOMPARE(isFed(host.view()->glUpload), video);
-        QCOMPARE(isFed(volumeElement), sound);
-
         QCOMPARE(host.play(3), complete);
         AWAIT_EQUAL(host.state(), 3);
         host.record.seekPosition = 6 * second;
@@ -118,22 +103,20 @@ private Q_SLOTS:
             int command;
             std::array<int, 4> operands;
             QByteArray picture;
-        } steps[] = {
-            {9, {1, 0, 0}, "GRWB"},
-            {9, {0, 1, 0}, "BWRG"},
-            {9, {1, 1, 0}, "WBGR"},
-            {9, {0, 0, 90}, "BRWG"},
-            {9, {0, 0, 0}, "RGBW"},
-            {10, {320, 0, 0, 0}, "GGWW"},
-            {10, {0, 240, 0, 0}, "BWBW"},
-            {10, {0, 0, 320, 0}, "RRBB"},
-            {10, {0, 0, 0, 240}, "RGRG"},
-            {12, {1}, "MMRG"},
-            {12, {0}, "RGRG"},
-            {10, {-100, -100, 0, 0}, "MMMW"},
-            {11, {0}, "MMMM"},
-            {11, {1}, "MMMW"},
-        };
+        } steps[] = {{9, {1, 0, 0}, "GRWB"},
+                     {9, {0, 1, 0}, "BWRG"},
+                     {9, {1, 1, 0}, "WBGR"},
+                     {9, {0, 0, 90}, "BRWG"},
+                     {9, {0, 0, 0}, "RGBW"},
+                     {10, {320, 0, 0, 0}, "GGWW"},
+                     {10, {0, 240, 0, 0}, "BWBW"},
+                     {10, {0, 0, 320, 0}, "RRBB"},
+                     {10, {0, 0, 0, 240}, "RGRG"},
+                     {12, {1}, "MMRG"},
+                     {12, {0}, "RGRG"},
+                     {10, {-100, -100, 0, 0}, "MMMW"},
+                     {11, {0}, "MMMM"},
+                     {11, {1}, "MMMW"}};
         for (const auto &step : steps) {
             setOperands(host.record, step.operands);
             QCOMPARE(host.run(step.command), complete);

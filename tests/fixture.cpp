@@ -57,9 +57,7 @@ Host::Host(Kind hostKind, QSize size, Start start) : kind(hostKind), record(*map
 
     if (kind == Widget) {
         widget = std::make_unique<QWidget>();
-        QPalette ground;
-        ground.setColor(QPalette::Window, Qt::magenta);
-        widget->setPalette(ground);
+        widget->setPalette(QPalette(Qt::magenta, Qt::magenta));
         widget->resize(size);
     } else {
         window = std::make_unique<QQuickWindow>();
@@ -73,8 +71,7 @@ Host::~Host()
 {
     widget.reset();
     window.reset();
-    if (view())
-        delete view();
+    delete view();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     munmap(reinterpret_cast<char *>(&record + 1) - pageSize, 2 * pageSize);
 }
@@ -91,8 +88,7 @@ void Host::create()
 {
     if (kind == Widget) {
         control = Create(widget.get(), 0, 0, widget->width() - 1, widget->height() - 1);
-        const auto quickWidgets = widget->findChildren<QQuickWidget *>();
-        quickWidgets.last()->setClearColor(Qt::magenta);
+        widget->findChildren<QQuickWidget *>().constLast()->setClearColor(Qt::magenta);
     } else {
         if (item)
             delete item->parentItem();

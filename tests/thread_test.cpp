@@ -56,31 +56,18 @@ private Q_SLOTS:
     void aRefusedConfigurationIsTold()
     {
         cThread wrapper;
-        {
+        const auto refused = [&wrapper](int policy, int size) {
             Captured output(STDOUT_FILENO);
-            const int stackRefused = wrapper.threadInit(1, SCHED_OTHER, 0, 1);
-            const int policyRefused = wrapper.threadInit(1, 99, 0, stackSize);
-            QCOMPARE(output.text(), QByteArray("Thread configuration failed: 22\n\n").repeated(2));
-            QCOMPARE(stackRefused, EINVAL);
-            QCOMPARE(policyRefused, EINVAL);
-        }
+            const int error = wrapper.threadInit(1, policy, 0, size);
+            return output.text() + QByteArray::number(error);
+        };
+        QCOMPARE(refused(SCHED_OTHER, 1), "Thread configuration failed: 22\n\n22");
+        QCOMPARE(refused(99, stackSize), "Thread configuration failed: 22\n\n22");
         QVERIFY(wrapper.trylockThreadMutex() != 0); // there is none
         QCOMPARE(wrapper.createThread(idle, nullptr, nullptr), 0);
         QVERIFY(!wrapper.isActive());
         QVERIFY(wrapper.detachThread() != 0);
         QVERIFY(wrapper.destroyThread() != 0);
-    }
-
-    void theClaimIsExclusive()
-    {
-        cThread wrapper;
-        QCOMPARE(wrapper.threadInit(1, SCHED_OTHER, 0, stackSize), 0);
-        QCOMPARE(wrapper.trylockThreadMutex(), 0);
-        QCOMPARE(wrapper.trylockThreadMutex(), EBUSY);
-        QCOMPARE(wrapper.createThread(idle, nullptr, nullptr), 0);
-        QVERIFY(wrapper.isActive());
-        QCOMPARE(wrapper.destroyThread(), 0); // although the claim is held
-        QVERIFY(!wrapper.isActive());
     }
 
     void aNewThreadReplacesTheOld()
@@ -99,20 +86,21 @@ private Q_SLOTS:
         QVERIFY(hasGone(previous));
     }
 
-    void aThreadThatEndedIsJoinedOnce()
+    void aThreadThatEndedIsJoinedOnceAndGivesItsClaimBack()
     {
         cThread wrapper;
-        QCOMPARE(wrapper.threadInit(0, 0, 0, stackSize), 0);
+        QCOMPARE(wrapper.threadInit(1, SCHED_OTHER, 0, stackSize), 0);
         QCOMPARE(wrapper.trylockThreadMutex(), 0);
+        QCOMPARE(wrapper.trylockThreadMutex(), EBUSY);
         QCOMPARE(wrapper.createThread(endAtOnce, &wrapper, nullptr), 0);
         QVERIFY(blockUntil([&wrapper] { return !wrapper.isActive(); }));
-        QCOMPARE(wrapper.trylockThreadMutex(), 0); // the routine has given it back
+        QCOMPARE(wrapper.trylockThreadMutex(), 0);
 
         // Its handle may name a thread that somebody else started since.
         cThread other;
         QVERIFY(startIdle(other));
         QVERIFY(!wrapper.isActive());
-        QCOMPARE(wrapper.destroyThread(), 0);
+        QCOMPARE(wrapper.destroyThread(), 0); // although the claim is held
         QVERIFY(other.isActive());
         QCOMPARE(other.destroyThread(), 0);
     }
