@@ -1,5 +1,8 @@
 #include "tests/fixture.h"
 
+#include <unistd.h>
+
+#include <array>
 #include <limits>
 
 namespace
@@ -47,6 +50,7 @@ private Q_SLOTS:
     void mediaFollowsCommands()
     {
         QFETCH(Host::Kind, kind);
+        Captured errors(STDERR_FILENO);
         Host host(kind);
         host.open(media(QTest::currentDataTag()));
         AWAIT_EQUAL(host.state(), 3);
@@ -89,6 +93,7 @@ private Q_SLOTS:
             QCOMPARE(host.run(6), complete);
         QCOMPARE(host.duration(), -1);
         QVERIFY(host.strayBytesKept());
+        QCOMPARE(errors.text(), "");
     }
 
     void pictureFollowsCommands_data() { addKinds(); }
