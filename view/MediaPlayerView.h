@@ -18,6 +18,7 @@
 #include <functional>
 #include <mutex>
 
+class RenderThreadNote;
 class cThread;
 
 /// The player behind one host record.
@@ -131,7 +132,8 @@ public:
     //   commandQueued                 update; GUI clears  update
     //   commandRunning                GUI (release)       update under lock
     //   bound, widgetsLeftBehind,     GUI                 GUI
-    //   readyIn, arrivingIn, arrivals
+    //   readyIn, arrivingIn, arrivals,
+    //   renderThreadNote
     //   the record's `execute`        host (release);     update, GUI (acquire)
     //                                 GUI lowers it
     //                                 (release)
@@ -199,6 +201,9 @@ public:
     /// many times the item has come into one.
     QPointer<QQuickWindow> arrivingIn;
     unsigned arrivals = 0;
+
+    /// The video item's.
+    QPointer<RenderThreadNote> renderThreadNote;
 
     /// Quick widgets of controls that are gone; deleted when the video object has left them.
     QList<QPointer<QQuickWidget>> widgetsLeftBehind;

@@ -66,7 +66,7 @@ void MediaPlayerView::initQuickWidget()
     connect(videoObject, SIGNAL(videoSurfaceReadyChanged(bool)), this, SLOT(onVisible(bool)));
     connect(videoObject, SIGNAL(destruct()), this, SLOT(onDestruct()));
     if (QQuickItem *item = findVideoItem(videoObject)) {
-        keepRenderThreadsClean(item);
+        renderThreadNote = new RenderThreadNote(item);
         connect(item, &QQuickItem::windowChanged, this, &MediaPlayerView::videoItemArrives);
     }
     attachVideoObject();
@@ -91,6 +91,8 @@ void MediaPlayerView::attachVideoObject()
 {
     if (videoObject)
         videoObject->setParent(parentItem);
+    if (renderThreadNote && parentItem && parentItem->window())
+        renderThreadNote->tend(parentItem->window());
     if (videoObject)
         videoObject->setParentItem(parentItem);
 }
