@@ -9,7 +9,6 @@
 #include <QtWidgets/QWidget>
 
 #include <atomic>
-#include <cstdio>
 #include <cstring>
 
 int main(int argc, char **argv)
@@ -17,10 +16,8 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     QLibrary library(QStringLiteral(PLUGIN));
     const auto create = reinterpret_cast<MediaPlayerCreate>(library.resolve("Create"));
-    if (!create || argc != 2) {
-        std::fprintf(stderr, "%s\n", qPrintable(library.errorString()));
-        return 1;
-    }
+    if (!create || argc != 2)
+        qFatal("%s", qPrintable(library.errorString()));
     QWidget window;
     window.resize(320, 240);
     window.show();
