@@ -65,11 +65,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("qml");
         QTest::addColumn<QStringList>("held");
-        const QStringList inner = whole(QStringLiteral("inner"));
-        QTest::newRow("Flickable")
-            << QByteArray("Flickable { contentItem.objectName: 'inner'") << inner;
-        QTest::newRow("ListView") << QByteArray("ListView { contentItem.objectName: 'inner'")
-                                  << inner;
+        for (const char *type : {"Flickable", "ListView"})
+            QTest::newRow(type) << QByteArray(type) + " { contentItem.objectName: 'inner'"
+                                << whole(QStringLiteral("inner"));
         QTest::newRow("both, which lead back")
             << QByteArray("Item { id: outer; property QtObject flickableItem: Item {"
                           " objectName: 'flickable'; property Item contentItem: outer.contentItem }"
