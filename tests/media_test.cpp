@@ -74,17 +74,20 @@ private Q_SLOTS:
         QTRY_VERIFY2_WITH_TIMEOUT(within(host.duration(), length - 0.3, length + 0.3),
                                   QByteArray::number(host.duration()), patience);
         const double duration = double(host.duration()) / GST_SECOND;
-        if (!file->shape.firstFrameOnly) {
+        if (!file->shape.firstFrameOnly && !QTest::currentTestFailed()) {
             playToTheEnd(host, file->shape);
             rests();
+        }
+        if (QTest::currentTestFailed())
+            return;
+        qInfo("%-20s %8.3f s", file->name, duration);
+        if (!file->shape.firstFrameOnly) {
             QCOMPARE(heard, file->holds("audiotestsrc"));
             QCOMPARE(host.play(GST_STATE_PLAYING), complete); // round again
             if (file->shape.seconds > 1)
                 AWAIT(within(host.position(), 0.2, file->shape.seconds));
         }
         QCOMPARE(host.record.error, std::int8_t(0));
-        if (!QTest::currentTestFailed())
-            qInfo("%-20s %8.3f s", file->name, duration);
     }
 
     void names_data()
