@@ -3,6 +3,7 @@
 #include "pipeline/padAdded.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
+#include "view/liveViews.h"
 #include "view/scene.h"
 
 #include <QtCore/QMimeDatabase>
@@ -201,8 +202,10 @@ bool MediaPlayerView::buildNew(const QByteArray &uri, const QString &key)
     pipelineCache.insert(key, record);
     gstElementSetState(GST_STATE_READY);
     storeRelease(pipelineActive, true);
-    if (!record->isVideo)
+    if (!record->isVideo) {
         gstElementSetState(GST_STATE_PAUSED);
+        silenceViewsAtExit();
+    }
     return true;
 }
 

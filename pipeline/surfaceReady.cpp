@@ -1,5 +1,6 @@
 #include "diagnostics/Trace.h"
 #include "view/MediaPlayerView.h"
+#include "view/liveViews.h"
 #include "view/scene.h"
 
 #include <QtQuick/QQuickRenderControl>
@@ -51,6 +52,7 @@ void MediaPlayerView::videoItemReady()
     gstElementSetState(GST_STATE_PAUSED);
     for (const auto &record : std::as_const(pipelineCache))
         record->prerolled |= record->pipeline == pipeline;
+    silenceViewsAtExit();
     // Posted before the lock is released: an error that this preroll has left on the bus is shown
     // afterwards, and stays.
     hideOverlay();

@@ -4,7 +4,11 @@
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
+#include <link.h>
+
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace
@@ -20,26 +24,40 @@ std::vector<MediaPlayerView *> &liveViews()
 
 // A process that calls exit() while its application object lives comes here with its players alive.
 // Qt is going, so they are not deleted any more; but nothing of ours may run on.
-struct AtExit {
-    ~AtExit()
-    {
-        for (MediaPlayerView *view : liveViews())
-            view->silence();
-        liveViews().clear();
-    }
-};
+void silenceViews()
+{
+    for (MediaPlayerView *view : liveViews())
+        view->silence();
+    liveViews().clear();
+}
 
 } // namespace
 
 void addLiveView(MediaPlayerView *view)
 {
-    static const AtExit atExit;
+    silenceViewsAtExit();
     liveViews().push_back(view);
 }
 
 void removeLiveView(MediaPlayerView *view)
 {
     std::erase(liveViews(), view);
+}
+
+// What is registered last is called first, and stays registered.
+void silenceViewsAtExit()
+{
+    using Loads = decltype(dl_phdr_info::dlpi_adds);
+    static Loads before = 0;
+    Loads now = 0;
+    dl_iterate_phdr(
+        [](dl_phdr_info *info, std::size_t, void *loads) {
+            *static_cast<Loads *>(loads) = info->dlpi_adds;
+            return 1;
+        },
+        &now);
+    if (std::exchange(before, now) != now)
+        std::atexit(silenceViews);
 }
 
 void endLiveViews()

@@ -9,6 +9,11 @@ class MediaPlayerView;
 void addLiveView(MediaPlayerView *view);
 void removeLiveView(MediaPlayerView *view);
 
+/// Has what plays stopped at the process's exit before the libraries end that have been loaded so
+/// far. To be called again when a pipeline has loaded its decoders and the GL driver; those would
+/// end first otherwise.
+void silenceViewsAtExit();
+
 /// Deletes the views that are still alive.
 void endLiveViews();
 
