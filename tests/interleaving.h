@@ -1,21 +1,36 @@
 #ifndef INTERLEAVING_H
 #define INTERLEAVING_H
 
+#include "pipeline/GstHandle.h"
 #include "tests/fixture.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <QtNetwork/QTcpServer>
 
 #include <atomic>
-#include <functional>
 #include <mutex>
-#include <utility>
 
-// What forces threads to meet at a chosen point, and what tells that they have met.
+// What brings a player into a situation, forces threads to meet there, and tells that they have.
+
+/// Lets the event loop run until the condition is true. Nothing goes on without it.
+inline void await(const char *what, const std::function<bool()> &condition)
+{
+    if (!QTest::qWaitFor(condition, patience))
+        qFatal("%s did not come", what);
+}
+
+inline void openAndPlay(Host &host)
+{
+    host.open(media("quadrants.webm"));
+    await("the first frame", [&] { return host.state() == GST_STATE_PAUSED; });
+    host.play(GST_STATE_PLAYING);
+    await("a position", [&] { return host.position() > 0; });
+}
+
+inline void hideAndPark(Host &host)
+{
+    host.control->SysNativeControlShow(0);
+    await("the parking", [&] { return loadRelaxed(host.record.attached) == 0; });
+}
 
 /// Whether a thread waits for the mutex. glibc writes 2 before such a thread goes to sleep.
 inline bool isContended(std::mutex &mutex)
@@ -23,29 +38,21 @@ inline bool isContended(std::mutex &mutex)
     return std::atomic_ref(mutex.native_handle()->__data.__lock).load() == 2;
 }
 
-/// Holds up the thread that takes `pipeline` out of the state `from`, in the middle of its
-/// sequence of changes and with whatever it has locked, until `mayGoOn`.
+/// Holds up the thread that next changes the state of the view's pipeline, in the middle of its
+/// sequence and with whatever it has locked, until another waits for the view or ends it.
 class Gate
 {
 public:
-    Gate(GstElement *pipeline, GstState from, std::function<bool()> mayGoOn)
-        : m_pipeline(GST_ELEMENT(gst_object_ref(pipeline)))
-        , m_from(from)
-        , m_mayGoOn(std::move(mayGoOn))
+    explicit Gate(MediaPlayerView *view) : m_view(view), m_pipeline(view->pipeline)
     {
-        GstBus *bus = gst_element_get_bus(m_pipeline);
         s_active = this;
-        gst_bus_set_sync_handler(bus, onMessage, nullptr, nullptr);
-        gst_object_unref(bus);
+        const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline));
+        gst_bus_set_sync_handler(bus.get(), onMessage, nullptr, nullptr);
     }
     ~Gate()
     {
-        GstBus *bus = gst_element_get_bus(m_pipeline);
-        gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
         s_active = nullptr;
         blockUntil([] { return s_inside == 0; });
-        gst_object_unref(bus);
-        gst_object_unref(m_pipeline);
     }
 
     std::atomic<bool> reached = false;
@@ -56,12 +63,12 @@ private:
     {
         ++s_inside;
         Gate *const gate = s_active;
-        GstState from = GST_STATE_VOID_PENDING;
-        if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED)
-            gst_message_parse_state_changed(message, &from, nullptr, nullptr);
-        if (gate && GST_MESSAGE_SRC(message) == GST_OBJECT(gate->m_pipeline) && from == gate->m_from
+        if (gate && GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED
+            && GST_MESSAGE_SRC(message) == GST_OBJECT(gate->m_pipeline)
             && !gate->reached.exchange(true))
-            gate->passed = blockUntil(gate->m_mayGoOn);
+            gate->passed = blockUntil([view = gate->m_view] {
+                return isContended(view->lock) || !loadAcquire(view->pipelineActive);
+            });
         --s_inside;
         return GST_BUS_PASS;
     }
@@ -70,9 +77,8 @@ private:
     static inline std::atomic<Gate *> s_active = nullptr;
     static inline std::atomic<int> s_inside = 0; // the handler may still run when a gate goes
 
+    MediaPlayerView *const m_view;
     GstElement *const m_pipeline;
-    const GstState m_from;
-    const std::function<bool()> m_mayGoOn;
 };
 
 /// Puts a message that the pipeline itself could have sent onto its bus.
@@ -83,56 +89,22 @@ inline void postEnd(GstElement *pipeline)
 
 inline void postError(GstElement *pipeline)
 {
-    GError *error = g_error_new_literal(GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED, "made up");
-    gst_element_post_message(pipeline,
-                             gst_message_new_error(GST_OBJECT(pipeline), error, "by a test"));
-    g_error_free(error);
+    GST_ELEMENT_ERROR(pipeline, STREAM, FAILED, (nullptr), ("made up by a test"));
 }
 
-/// A server that takes connections and never says anything, since nobody accepts them.
-class SilentServer
+/// A server that takes connections and never says anything.
+class SilentServer : public QTcpServer
 {
 public:
-    SilentServer() : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+    explicit SilentServer(QObject *parent = nullptr) : QTcpServer(parent)
     {
-        sockaddr_in address {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto *plain = reinterpret_cast<sockaddr *>(&address);
-        if (bind(m_socket, plain, size) || listen(m_socket, 64)
-            || getsockname(m_socket, plain, &size))
-            qFatal("no server on the loopback");
-        uri = "http://127.0.0.1:" + QByteArray::number(ntohs(address.sin_port)) + "/silence.webm";
+        listen(QHostAddress::LocalHost);
     }
-    ~SilentServer() { close(m_socket); }
 
-    QByteArray uri;
-
-private:
-    const int m_socket;
+    QByteArray uri() const
+    {
+        return "http://127.0.0.1:" + QByteArray::number(serverPort()) + "/silence.webm";
+    }
 };
-
-/// The process's threads. Those of players bear the process's own name, as some of Mesa's do.
-inline qsizetype threads()
-{
-    return QDir(QStringLiteral("/proc/self/task"))
-        .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
-        .size();
-}
-
-inline int threadsOfOwnName()
-{
-    const auto nameOf = [](const QString &task) {
-        QFile file(QStringLiteral("/proc/self/task/%1/comm").arg(task));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    const QByteArray own = nameOf(QString::number(getpid()));
-    int count = 0;
-    for (const QString &task :
-         QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-        count += nameOf(task) == own;
-    return count;
-}
 
 #endif
