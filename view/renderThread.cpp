@@ -7,6 +7,8 @@
 
 #include <gst/gl/gl.h>
 
+#include <mutex>
+
 using GLContextRef = ObjectRef<GstGLContext>;
 
 namespace
@@ -55,13 +57,25 @@ public:
 
     static constexpr char name[] = "mediaPlayerRenderThreadNote";
 
-    GLContextRef context; // render thread while the GUI thread waits for it, and GUI thread
+    GLContextRef context()
+    {
+        const std::lock_guard guard(m_mutex);
+        return sameContext(m_context);
+    }
+
+    void offer(const GLContextRef &context)
+    {
+        const std::lock_guard guard(m_mutex);
+        if (!m_context)
+            m_context = sameContext(context);
+    }
 
 private:
     void set()
     {
-        if (context && wrapsCurrent(context.get()))
-            gst_gl_context_activate(context.get(), TRUE);
+        const GLContextRef own = context();
+        if (own && wrapsCurrent(own.get()))
+            gst_gl_context_activate(own.get(), TRUE);
     }
 
     void wipe()
@@ -69,10 +83,15 @@ private:
         GstGLContext *const noted = gst_gl_context_get_current();
         if (!noted)
             return;
-        if (noted != context.get() && wrapsCurrent(noted))
-            context.reset(GST_GL_CONTEXT(gst_object_ref(noted)));
+        if (wrapsCurrent(noted)) {
+            const std::lock_guard guard(m_mutex);
+            m_context.reset(GST_GL_CONTEXT(gst_object_ref(noted)));
+        }
         gst_gl_context_activate(noted, FALSE);
     }
+
+    std::mutex m_mutex; // a leaf; render thread and GUI thread
+    GLContextRef m_context;
 };
 
 RenderThreadNote::RenderThreadNote(QQuickItem *videoItem) : QObject(videoItem)
@@ -81,7 +100,7 @@ RenderThreadNote::RenderThreadNote(QQuickItem *videoItem) : QObject(videoItem)
         if (window)
             tend(window);
         else if (m_current)
-            m_last = sameContext(m_current->context);
+            m_last = m_current->context();
     });
 }
 
@@ -92,8 +111,7 @@ void RenderThreadNote::tend(QQuickWindow *window)
     auto *found =
         window->findChild<QObject *>(QLatin1String(OfWindow::name), Qt::FindDirectChildrenOnly);
     m_current = found ? static_cast<OfWindow *>(found) : new OfWindow(window);
-    if (!m_current->context)
-        m_current->context = sameContext(m_last);
+    m_current->offer(m_last);
 }
 
 // GStreamer's item hands each window that it comes into a render job with a bare pointer to
