@@ -79,10 +79,18 @@ Item {
 
         visible: false
         anchors.centerIn: parent
-        width: Math.min(overlayText.implicitWidth + 32, root.width)
+        // Not of the text's implicit width, which may move with the width that it is given.
+        width: Math.min(Math.ceil(overlayMetrics.advanceWidth) + 32, root.width)
         height: Math.min(overlayText.implicitHeight + 20, root.height)
         radius: 8
         color: "#b0000000"
+
+        TextMetrics {
+            id: overlayMetrics
+
+            font: overlayText.font
+            text: overlayText.text
+        }
 
         Text {
             id: overlayText
