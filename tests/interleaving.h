@@ -4,8 +4,6 @@
 #include "pipeline/GstHandle.h"
 #include "tests/fixture.h"
 
-#include <QtNetwork/QTcpServer>
-
 #include <atomic>
 #include <mutex>
 
@@ -91,20 +89,5 @@ inline void postError(GstElement *pipeline)
 {
     GST_ELEMENT_ERROR(pipeline, STREAM, FAILED, (nullptr), ("made up by a test"));
 }
-
-/// A server that takes connections and never says anything.
-class SilentServer : public QTcpServer
-{
-public:
-    explicit SilentServer(QObject *parent = nullptr) : QTcpServer(parent)
-    {
-        listen(QHostAddress::LocalHost);
-    }
-
-    QByteArray uri() const
-    {
-        return "http://127.0.0.1:" + QByteArray::number(serverPort()) + "/silence.webm";
-    }
-};
 
 #endif
