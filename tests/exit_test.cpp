@@ -47,13 +47,19 @@ constexpr const char *endingNames[] = {"return from main", "exit() with a leaked
 
 int endAs(int ending, int situation, int argc, char **argv)
 {
+    static Host *host = nullptr; // hosts forget to delete it
+    std::atexit([] { // comes after what the library does at exit
+        const MediaPlayerView *const left = host->view();
+        if (left && left->pipeline && MediaPlayerView::isAboveReady(left->pipeline))
+            std::_Exit(EXIT_FAILURE);
+    });
     std::unique_ptr<QApplication> local;
     if (ending == StaticApplication)
         static QApplication application(argc, argv);
     else
         local = std::make_unique<QApplication>(argc, argv);
 
-    auto *const host = new Host(situations[situation].kind); // as hosts forget to delete it
+    host = new Host(situations[situation].kind);
     situations[situation].reach(*host);
     if (ending == ExitWithALeakedApplication)
         std::exit(exitStatus);
@@ -62,7 +68,8 @@ int endAs(int ending, int situation, int argc, char **argv)
         host->window.reset();
         host->widget.reset();
     }
-    return exitStatus;
+    local.reset();
+    return ending == ReturnFromMain && host->view() ? EXIT_FAILURE : exitStatus;
 }
 
 } // namespace

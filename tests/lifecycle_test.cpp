@@ -55,25 +55,11 @@ const struct {
          await("the preroll", [&] { return MediaPlayerView::isAboveReady(host.view()->pipeline); });
      }},
     {"playing", openAndPlay},
-    {"end of stream",
-     [](Host &host) {
-         openAndPlay(host);
-         auto *const gate = new Gate(host.view());
-         QObject::connect(host.view(), &QObject::destroyed, [gate] { delete gate; });
-         postEnd(host.view()->pipeline);
-         QVERIFY(blockUntil([gate] { return gate->reached.load(); }));
-     }},
     {"error on its way to the scene",
      [](Host &host) {
          openAndPlay(host);
          postError(host.view()->pipeline);
          QVERIFY(blockUntil([&] { return loadRelaxed(host.record.error) == 1; }));
-     }},
-    {"command queued",
-     [](Host &host) {
-         openAndPlay(host);
-         storeRelease(host.record.execute, 1);
-         QVERIFY(blockUntil([&] { return loadAcquire(host.view()->invokePending); }));
      }},
     {"restore queued",
      [](Host &host) {
@@ -190,6 +176,7 @@ private Q_SLOTS:
         Host host = hostIn(Quick);
         openAndPlay(host);
         const QPointer<MediaPlayerView> view = host.view();
+        const auto generation = view->generation;
         host.control->saveObject();
         auto first = std::exchange(host.window, std::make_unique<QQuickWindow>());
         host.window->resize(first->size());
@@ -199,6 +186,7 @@ private Q_SLOTS:
         host.control->SysNativeControlShow(1);
         AWAIT_EQUAL(host.picture(), "RGBW");
         AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+        QCOMPARE(view->generation, generation + 1); // prerolled anew, not played to its end
         QCOMPARE(host.load(media("yellow.mp4")), complete);
         AWAIT_EQUAL(host.picture(), "YYYY");
         first.reset();
