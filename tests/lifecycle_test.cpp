@@ -270,6 +270,21 @@ private Q_SLOTS:
         AWAIT_EQUAL(playerThreads(), int(viewStays));
     }
 
+    // The window still runs what the video item left with it when it came.
+    void itemGoesBeforeItsFirstFrame()
+    {
+        Host host(Host::Quick);
+        openAndPlay(host);
+        hideAndPark(host);
+        host.view()->restore();
+        delete host.view()->parentItem;
+        bool synchronized = false;
+        connect(host.window.get(), &QQuickWindow::afterSynchronizing, this,
+                [&] { synchronized = true; });
+        host.window->update();
+        AWAIT(synchronized);
+    }
+
     void fiftyCyclesLeakNothing_data() { addSettings(); }
     void fiftyCyclesLeakNothing()
     {
