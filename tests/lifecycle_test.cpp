@@ -270,12 +270,23 @@ private Q_SLOTS:
         AWAIT_EQUAL(playerThreads(), int(viewStays));
     }
 
+    void loadsWhileParked()
+    {
+        Host host(Host::Quick);
+        openAndPlay(host);
+        hideAndPark(host);
+        QCOMPARE(host.load(media("yellow.mp4")), complete);
+        host.control->SysNativeControlShow(1);
+        AWAIT_EQUAL(host.picture(), "YYYY");
+    }
+
     // The window still runs what the video item left with it when it came.
     void itemGoesBeforeItsFirstFrame()
     {
         Host host(Host::Quick);
         openAndPlay(host);
         hideAndPark(host);
+        mallopt(M_PERTURB, 0xa5); // what has been freed holds no sense any more
         host.view()->restore();
         delete host.view()->parentItem;
         bool synchronized = false;
@@ -283,6 +294,7 @@ private Q_SLOTS:
                 [&] { synchronized = true; });
         host.window->update();
         AWAIT(synchronized);
+        mallopt(M_PERTURB, 0);
     }
 
     void fiftyCyclesLeakNothing_data() { addSettings(); }
