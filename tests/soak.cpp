@@ -2,45 +2,21 @@
 // round, and what must hold of them is checked all the time. SOAK_MINUTES says how long (2),
 // SOAK_SEED which traffic; a failure prints the seed and the last hundred steps.
 
-#include "boundary/MediaPlayerFactories.h"
-#include "diagnostics/MediaPlayerDiagnostics.h"
+#include "fixture.h"
 #include "soakWatch.h"
-#include "view/MediaPlayerView.h"
 
-#include <QtQuick/QQuickWindow>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-
-#include <sys/stat.h>
-
-#include <cmath>
-#include <cstdio>
 #include <random>
-
-extern "C" {
-BasicWidget *Create(QWidget *, int, int, int, int);
-BasicWidget *CreateQML(QQuickWindow *, QQuickItem *, QObject *, int, int, int, int);
-}
 
 namespace
 {
 
-constexpr int playersPerRound = 4;
 constexpr int stepsPerRound = 120;
-constexpr int endingBound = 60'000; // ms
-// The first rounds fill caches of Qt, GStreamer and Mesa that stay.
-constexpr int roundsToWarmUp = 3;
-// Their heap moves this much to and fro; a leak of every round passes it before long.
-// Mesa's software renderer keeps about 0.7 MiB of a GL context that has ended, and a round ends
-// some six of them. A pipeline that is left behind would be 8 MiB each.
-constexpr std::size_t heapPerRound = 8 << 20;
-
-// Threads of GLib's pools come and go with one descriptor each, whatever the players do.
-constexpr int descriptorTolerance = 8;
-
-constexpr std::size_t heapTolerance = 12 << 20;
+constexpr int stepsToRest = 30;
+constexpr int roundsToWarmUp = 3; // they fill caches of Qt, GStreamer and Mesa that stay
 
 std::mt19937 choices; // every choice comes from here, and none depends on what the players do
+QByteArrayList uris; // good files, one of them under two names, bad ones, and what names no file
+int recreations = 0;
 
 int pick(int low, int high)
 {
@@ -54,271 +30,194 @@ T oneOf(std::initializer_list<T> values)
     return values.begin()[pick(0, int(values.size()) - 1)];
 }
 
-QString mediaFile()
+void makeMedia(const QTemporaryDir &folder)
 {
-    const QString folder = QStringLiteral("file://") + qEnvironmentVariable("MEDIA_DIR");
-    const QString trouble = QStringLiteral("file:///tmp/soak/");
-    return oneOf<QString>(
-        {folder + QStringLiteral("/quadrants.webm"), folder + QStringLiteral("/yellow.mp4"),
-         folder + QStringLiteral("/tone.flac"),
-         folder + QStringLiteral("/../media/yellow.mp4"), // another key
-         trouble + QStringLiteral("truncated.webm"), trouble + QStringLiteral("noise.mp4"),
-         trouble + QStringLiteral("fifo.mp4"), trouble + QStringLiteral("absent.webm"),
-         trouble + QStringLiteral("refused.txt"), QStringLiteral("no uri"), QString(),
-         QString(200, QLatin1Char('x'))});
+    const QByteArray here = folder.path().toUtf8();
+    if (std::system("cd " + here
+                    + " && head -c 15000 \"$MEDIA_DIR\"/quadrants.webm >truncated.webm"
+                      " && cp /etc/passwd noise.mp4 && mkfifo fifo.mp4")
+        != 0)
+        fail("the bad files cannot be made");
+    for (const char *name : {"truncated.webm", "noise.mp4", "fifo.mp4"})
+        uris << "file://" + here + '/' + name;
+    for (const char *name : {"quadrants.webm", "yellow.mp4", "./yellow.mp4", "tone.flac", "no.mp4"})
+        uris << media(name);
+    uris += QByteArrayList {"file:///etc/passwd", "no uri", "", QByteArray(200, 'x')};
 }
 
-/// One player with its place in one of the host's windows.
-class Seat : public QObject
-{
-public:
-    Seat(QWidget *board, const QList<QQuickWindow *> &screens, int number)
-        : widgetBoard(board)
-        , quickWindows(screens)
-        , index(number)
-        , player(new Player)
-        , watch(*player)
+/// One player with its place in one of the windows.
+struct Seat : Player {
+    Seat(QWidget *host, QQuickWindow *windows, int number)
+        : board(host), quick(windows), index(number)
     {
-        player->setControlFactory([this] { return makeControl(); });
-        connect(player, &Player::placeReleased, this, &Seat::release);
-        connect(player, &Player::polled, this, [this] { watch.check(); });
+        connect(this, &Player::polled, this, [this] { check(*this); });
+        setControlFactory([this] { return makeControl(); });
+        connect(this, &Player::placeReleased, this, &Seat::removePlace);
+        loadSomething();
+        createControl();
     }
-
-    bool isWidget() const { return index % 2 == 0; }
 
     BasicWidget *makeControl()
     {
-        const QRect area(index / 2 % 2 * 160, 0, 160, 120);
-        if (isWidget()) {
+        const QRect place(index / 2 * 160, 0, 160, 120);
+        if (index % 2 == 0) {
             if (!container) {
-                container = new QWidget(widgetBoard);
-                container->setGeometry(area);
+                container = new QWidget(board);
+                container->setGeometry(place);
                 container->show();
             }
-            control = Create(container, 0, 0, area.width() - 1, area.height() - 1);
-        } else {
-            if (!item) {
-                item = new QQuickItem(quickWindows[0]->contentItem());
-                item->setPosition(area.topLeft());
-                item->setSize(area.size());
-            }
-            control = CreateQML(item->window(), item, nullptr, 0, 0, 0, 0);
+            return control = Create(container, 0, 0, place.width() - 1, place.height() - 1);
         }
-        return control;
+        if (!item) {
+            item = new QQuickItem(quick[0].contentItem());
+            item->setPosition(place.topLeft());
+            item->setSize(place.size());
+        }
+        return control = CreateQML(item->window(), item, nullptr, 0, 0, 0, 0);
     }
 
-    void release()
+    void removePlace()
     {
         delete container;
         delete item;
     }
 
+    void loadSomething()
+    {
+        const QByteArray &uri = uris[pick(0, int(uris.size()) - 1)];
+        logStep("%d load %s", index, uri.data());
+        load(QString::fromUtf8(uri));
+    }
+
+    void command();
     void step();
 
-    QWidget *const widgetBoard;
-    const QList<QQuickWindow *> quickWindows;
-    const int index;
-    QPointer<Player> player;
-    SoakWatch watch;
+    QWidget *const board;
+    QQuickWindow *const quick; // the first of two
+    const int index; ///< even in a widget host
     QPointer<BasicWidget> control;
     QPointer<QWidget> container;
     QPointer<QQuickItem> item;
-
-private:
-    void command(int code);
-    void load(const QString &uri);
 };
 
-void Seat::command(int code)
+void Seat::command()
 {
-    MediaPlayerParams &record = player->fields();
-    const double real = oneOf({0.0, 0.5, 1.0, 10.0, -1.0, 11.0, std::nan(""), HUGE_VAL});
-    const int whole = oneOf({0, 1, -1, 3, 90, 127});
-    record.volume = real;
-    record.opacity = real;
-    record.playState = oneOf({-1, 0, 1, 2, 3, 4, 4, 4, 5, 1'000'000});
-    record.seekPosition = oneOf<qint64>({-1, 0, 500'000'000, 5'000'000'000, INT64_MAX});
-    record.mute = record.keepAspectRatio = record.transformBit0 = std::int8_t(whole);
-    record.transformBit1 = record.pauseOnSave = record.resumeOnRestore = std::int8_t(pick(0, 1));
-    record.transformParam = oneOf({0, 90, -45, INT32_MIN});
-    record.cropLeft = oneOf<qint16>({0, 0, 40, -40, 2000, -2000});
-    record.cropBottom = oneOf<qint16>({0, 0, 30, -30, INT16_MAX, INT16_MIN});
-    SoakLog::step(QStringLiteral("%1 command %2: %3, %4, state %5, seek %6, crop %7 %8")
-                      .arg(index)
-                      .arg(code)
-                      .arg(real)
-                      .arg(whole)
-                      .arg(record.playState)
-                      .arg(record.seekPosition)
-                      .arg(record.cropLeft)
-                      .arg(record.cropBottom));
-    player->request(code);
-}
-
-void Seat::load(const QString &uri)
-{
-    SoakLog::step(QStringLiteral("%1 load %2").arg(index).arg(uri));
-    player->load(uri);
+    MediaPlayerParams &operands = fields();
+    operands.volume = operands.opacity = oneOf({0.0, 0.5, 1.0, 10.0, -1.0, qQNaN(), qInf()});
+    operands.playState = oneOf({-1, 0, 1, 2, 3, 4, 4, 4, 4, 4, 5, 1'000'000});
+    operands.seekPosition = oneOf<qint64>({-1, 0, 500'000'000, 5'000'000'000, INT64_MAX});
+    operands.mute = operands.transformBit0 = oneOf<std::int8_t>({0, 1, -1, 90});
+    operands.keepAspectRatio = operands.transformBit1 = std::int8_t(pick(0, 1));
+    operands.pauseOnSave = operands.resumeOnRestore = std::int8_t(pick(0, 1));
+    operands.transformParam = oneOf({0, 90, -45, INT32_MIN});
+    operands.cropLeft = operands.cropTop = oneOf<qint16>({0, 0, 40, -40, 2000, -2000});
+    operands.cropRight = operands.cropBottom = oneOf<qint16>({0, 0, 30, INT16_MAX, INT16_MIN});
+    const int code = oneOf({0, 1, 2, 2, 2, 2, 2, 3, 4, 4, 5, 7, 9, 10, 11, 12, 13, -1, INT32_MAX});
+    logStep("%d command %d: volume %g, state %d, seek %lld", index, code, operands.volume,
+            operands.playState, qint64(operands.seekPosition));
+    request(code);
 }
 
 void Seat::step()
 {
     const int choice = pick(0, 99);
-    const auto log = [this](const char *what, int number = 0) {
-        SoakLog::step(QStringLiteral("%1 %2 %3").arg(index).arg(QLatin1String(what)).arg(number));
-    };
-    if (choice < 30) {
-        command(oneOf({0, 1, 2, 2, 2, 3, 4, 4, 5, 7, 9, 10, 11, 12, 13, -1, INT32_MAX}));
-    } else if (choice < 50) {
-        load(mediaFile());
+    if (choice < 40) {
+        command();
     } else if (choice < 60) {
-        log("play");
-        player->play();
+        loadSomething();
     } else if (choice < 70) {
         const bool show = pick(0, 1) == 1;
-        log("show", show);
-        player->showControl(show);
+        logStep("%d show %d", index, show);
+        showControl(show);
     } else if (choice < 85) {
         const bool placeGoes = pick(0, 3) == 0; // a widget host's place may still hold the picture
         const bool back = pick(0, 3) != 0;
-        log("re-create, place goes", placeGoes);
-        player->destroyControl();
+        logStep("%d control destroyed, place goes %d, control back %d", index, placeGoes, back);
+        destroyControl();
         if (placeGoes)
-            release();
+            removePlace();
         if (back)
-            player->createControl();
-    } else if (choice < 90) {
-        const QSize size(pick(1, 200), pick(1, 150));
-        log("size", size.width());
-        if (item)
-            item->setSize(size);
-        player->moveControl(QRect(QPoint(pick(-20, 20), 0), size));
-    } else if (choice < 93) {
-        const int screen = pick(0, 1);
-        log("to window", screen);
-        if (item)
-            item->setParentItem(quickWindows[screen]->contentItem());
-    } else if (choice < 96) {
-        log("registered twice, shown with 2, a key in the wrong case");
-        char key[] = "RegisterParameter";
-        char wrong[] = "registerparameter";
-        if (control) {
-            control->SysNativeControlSetSettings(key, &player->fields());
-            control->SysNativeControlSetSettings(wrong, &player->fields());
+            createControl();
+        recreations += back;
+    } else if (choice < 91) {
+        const QRect place {pick(-20, 20), 0, pick(1, 200), pick(1, 150)};
+        const int window = pick(0, 1);
+        logStep("%d to window %d, %d x %d", index, window, place.width(), place.height());
+        if (item) {
+            item->setSize(place.size());
+            item->setParentItem(quick[window].contentItem());
         }
-    } else if (choice < 98) {
-        log("workaround", enableWorkaround = !enableWorkaround);
+        moveControl(place);
+    } else if (choice < 94) {
+        logStep("%d registered again", index);
+        char key[] = "RegisterParameter";
+        if (control)
+            control->SysNativeControlSetSettings(key, &fields());
+    } else if (choice < 97) {
+        const int stall = pick(50, 400);
+        logStep("the GUI thread stalls for %d ms", stall);
+        QTest::qSleep(stall);
     } else {
-        log("debug", enableDebug = !enableDebug);
+        unsigned char &flag = pick(0, 1) == 1 ? enableWorkaround : enableDebug;
+        storeRelaxed(flag, !flag);
+        logStep("workaround %d, debug %d", enableWorkaround, enableDebug);
     }
 }
 
-void makeTroublesomeFiles()
-{
-    QDir(QStringLiteral("/tmp")).mkpath(QStringLiteral("soak"));
-    const auto write = [](const char *name, const QByteArray &content) {
-        QFile file(QStringLiteral("/tmp/soak/") + QLatin1String(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            SoakLog::fail(QStringLiteral("cannot write ") + file.fileName());
-    };
-    QFile good(qEnvironmentVariable("MEDIA_DIR") + QStringLiteral("/quadrants.webm"));
-    if (!good.open(QIODevice::ReadOnly))
-        SoakLog::fail(QStringLiteral("MEDIA_DIR has no quadrants.webm"));
-    write("truncated.webm", good.read(good.size() / 3));
-    write("noise.mp4", QByteArray(20'000, '\x5a'));
-    write("refused.txt", "no media");
-    mkfifo("/tmp/soak/fifo.mp4", 0600);
-}
-
-/// A host from its first window to its last player's end. Returns how often it made a control anew.
+/// A host from its first window to its last player's end.
 void playRound()
 {
-    enableWorkaround = enableDebug = 0;
     QWidget board;
-    board.resize(320, 120);
+    QQuickWindow quick[2];
+    board.setGeometry(0, 0, 320, 120);
+    quick[0].setGeometry(0, 150, 320, 120);
+    quick[1].setGeometry(0, 300, 320, 120);
     board.show();
-    QQuickWindow first;
-    QQuickWindow second;
-    for (QQuickWindow *window : {&first, &second}) {
-        window->setGeometry(0, 150, 320, 120);
-        window->show();
-    }
-    std::vector<std::unique_ptr<Seat>> seats;
-    for (int i = 0; i < playersPerRound; ++i) {
-        seats.push_back(std::make_unique<Seat>(&board, QList<QQuickWindow *> {&first, &second}, i));
-        seats.back()->player->load(mediaFile());
-        seats.back()->player->createControl();
-    }
-    for (int i = 0; i < stepsPerRound; ++i) {
-        Seat &seat = *seats[std::size_t(pick(0, playersPerRound - 1))];
-        seat.step();
-        if (pick(0, 19) == 0) {
-            const int stall = pick(50, 400);
-            SoakLog::step(QStringLiteral("the GUI thread stalls for %1 ms").arg(stall));
-            usleep(useconds_t(stall) * 1000);
-        }
+    quick[0].show();
+    quick[1].show();
+    // They delete themselves when they have ended.
+    const QPointer<Seat> seats[] {new Seat(&board, quick, 0), new Seat(&board, quick, 1),
+                                  new Seat(&board, quick, 2), new Seat(&board, quick, 3)};
+    for (int i = 1; i <= stepsPerRound; ++i) {
+        seats[pick(0, 3)]->step();
         QTest::qWait(pick(0, 80)); // the traffic's pace, not a wait for anything
+        const char *wrong = nullptr;
+        for (const auto &seat : seats) {
+            const auto isSettled = [&] { return !(wrong = unsettled(*seat)); };
+            if (i % stepsToRest == 0 && !QTest::qWaitFor(isSettled, endingBound))
+                fail(wrong);
+        }
     }
-    SoakLog::step(QStringLiteral("all end"));
+    logStep("all end");
     for (const auto &seat : seats)
-        seat->player->end();
+        seat->end();
     for (const auto &seat : seats) {
-        if (!QTest::qWaitFor([&] { return seat->player.isNull(); }, endingBound))
-            SoakLog::fail(QStringLiteral("player %1 does not end").arg(seat->index));
+        if (!QTest::qWaitFor([&] { return seat.isNull(); }, endingBound))
+            fail("a player does not end");
     }
 }
 
-/// Threads of pools and deferred deletions take a moment; what stays is left behind.
-void checkLevels(const SoakLevels &allowed)
+int soak(int, char **)
 {
-    SoakLevels now;
-    const bool back = QTest::qWaitFor(
-        [&] {
-            now = SoakLevels::now();
-            return now.threads <= allowed.threads && now.descriptors <= allowed.descriptors
-                && now.gstObjects <= allowed.gstObjects && now.heap <= allowed.heap;
-        },
-        endingBound);
-    if (!back)
-        SoakLog::fail(
-            QStringLiteral("left behind: %1; allowed: %2").arg(now.text(), allowed.text()));
+    const QByteArray given = qgetenv("SOAK_SEED");
+    const unsigned seed = given.isEmpty() ? std::random_device()() : given.toUInt();
+    choices.seed(seed);
+    startLog(seed);
+    const QTemporaryDir folder;
+    makeMedia(folder);
+    const QDeadlineTimer end(qMax(2, qEnvironmentVariableIntValue("SOAK_MINUTES")) * 60'000);
+    for (int round = 0; round <= roundsToWarmUp || !end.hasExpired(); ++round) {
+        playRound();
+        checkLevels(round < roundsToWarmUp);
+    }
+    qDebug() << recreations << "re-creations";
+    return 0;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (!qEnvironmentVariableIsSet("GST_TRACERS"))
-        qputenv("GST_TRACERS", "leaks(filters=\"GstElement,GstPad,GstBus,GstTask\")");
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-
-    const std::uint32_t seed = qEnvironmentVariableIsSet("SOAK_SEED")
-        ? qEnvironmentVariable("SOAK_SEED").toUInt()
-        : std::random_device()();
-    const int minutes = qMax(1, qEnvironmentVariableIntValue("SOAK_MINUTES"));
-    choices.seed(seed);
-    SoakLog::start(seed);
-    makeTroublesomeFiles();
-    std::fprintf(stderr, "SOAK_SEED=%u, %d minutes\n", seed, minutes);
-
-    SoakLevels allowed;
-    QElapsedTimer clock;
-    clock.start();
-    int round = 0;
-    for (; round <= roundsToWarmUp || clock.elapsed() < minutes * 60'000; ++round) {
-        playRound();
-        const SoakLevels now = SoakLevels::now();
-        std::fprintf(stderr, "round %d: %s\n", round, qPrintable(now.text()));
-        if (round < roundsToWarmUp) {
-            allowed = {qMax(allowed.threads, now.threads), now.descriptors + descriptorTolerance,
-                       now.gstObjects, now.heap + heapTolerance};
-            continue;
-        }
-        allowed.heap += heapPerRound;
-        checkLevels(allowed);
-    }
-    std::fprintf(stderr, "%d rounds\n", round);
-    return 0;
+    qputenv("GST_TRACERS", "leaks(filters=\"GstElement,GstPad,GstBus,GstTask\")");
+    return runPlayerTest(argc, argv, soak);
 }

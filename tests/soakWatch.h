@@ -3,53 +3,22 @@
 
 #include "Player.h"
 
-#include <QtCore/QElapsedTimer>
-#include <QtCore/QString>
+// A player may wait for state changes of the others, and idle threads of pools stay for 30 s.
+constexpr int endingBound = 60'000; // ms
 
-#include <cstdint>
+/// Keeps the steps, so that any failure, also a crash, a critical of GLib or a GUI thread that
+/// hangs, prints the last hundred of them with the seed that brings them about again.
+void startLog(unsigned seed);
+[[gnu::format(printf, 1, 2)]] void logStep(const char *format, ...);
+[[noreturn]] void fail(const char *why);
 
-/// The soak's steps, kept so that a failure, also a crash or a GUI thread that hangs, can print the
-/// last hundred of them with the seed that brings them about again.
-namespace SoakLog
-{
-void start(std::uint32_t seed);
-void step(const QString &what);
-[[noreturn]] void fail(const QString &why);
-} // namespace SoakLog
+/// What must hold of a player at every moment.
+void check(const Player &player);
 
-/// What must hold of one player at every moment. GUI thread.
-class SoakWatch
-{
-public:
-    explicit SoakWatch(Player &watched) : player(watched) { }
+/// What does not hold that must soon, when there is no more traffic; null when all does.
+const char *unsettled(const Player &player);
 
-    /// Ends the process with what does not hold.
-    void check();
-
-private:
-    void checkView(MediaPlayerView *view);
-
-    /// Fails when `condition` has held for longer than is bearable.
-    void bound(QElapsedTimer &since, bool condition, const char *what);
-
-    Player &player;
-    MediaPlayerView *seenView = nullptr;
-    bool restored = false; ///< `attached` has been raised for the view
-    QElapsedTimer raised;
-    QElapsedTimer hidden;
-    QElapsedTimer untrue;
-    QElapsedTimer untold;
-};
-
-/// What a round may not leave behind.
-struct SoakLevels {
-    int threads = 0;
-    int descriptors = 0;
-    int gstObjects = 0;
-    std::size_t heap = 0; ///< bytes
-
-    static SoakLevels now();
-    QString text() const;
-};
+/// Fails when a round leaves a GStreamer object, or more of the rest than those of the warm-up.
+void checkLevels(bool warmUp);
 
 #endif
