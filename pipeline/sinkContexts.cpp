@@ -2,6 +2,8 @@
 
 #include <gst/gl/gl.h>
 
+#include <atomic>
+
 namespace
 {
 
@@ -10,9 +12,10 @@ struct Kind {
     const char *field;
 };
 
+constexpr Kind itemsContext = {"gst.gl.local_context", "context"};
 constexpr Kind kinds[] = {{GST_GL_DISPLAY_CONTEXT_TYPE, GST_GL_DISPLAY_CONTEXT_TYPE},
                           {"gst.gl.app_context", "context"},
-                          {"gst.gl.local_context", "context"}};
+                          itemsContext};
 
 bool isInNull(GstElement *element)
 {
@@ -40,9 +43,9 @@ ObjectRef<GstObject> heldBy(GstElement *sink, const Kind &kind)
 
 } // namespace
 
-SinkContexts::SinkContexts(GstElement *sink) : m_sink(sink)
+SinkContexts::SinkContexts(GstElement *sink) : m_sink(sink), m_wasInNull(sink && isInNull(sink))
 {
-    if (!sink || !isInNull(sink))
+    if (!m_wasInNull)
         return;
     for (const Kind &kind : kinds) {
         if (auto held = heldBy(sink, kind))
@@ -50,10 +53,16 @@ SinkContexts::SinkContexts(GstElement *sink) : m_sink(sink)
     }
 }
 
-void SinkContexts::giveBack()
+void SinkContexts::giveBack(GstObject *&itemsOwn)
 {
-    if (m_held.empty() || isInNull(m_sink))
+    if (!m_wasInNull || isInNull(m_sink))
         return;
     for (const auto &held : m_held)
         gst_object_unref(held.get());
+    GstObject *const now = heldBy(m_sink, itemsContext).release();
+    if (!now)
+        return;
+    const ObjectRef<GstObject> before {std::atomic_ref(itemsOwn).exchange(now)};
+    if (before && before.get() != now)
+        gst_object_unref(before.get());
 }

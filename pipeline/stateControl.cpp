@@ -59,7 +59,7 @@ GstStateChangeReturn MediaPlayerView::gstElementSetState(GstState state)
     const GstStateChangeReturn result = changeState(current, state);
     if (result == GST_STATE_CHANGE_ASYNC)
         tellLostError(current);
-    contexts.giveBack();
+    contexts.giveBack(itemContext);
     if (down)
         nextGeneration();
     if (endsRun)

@@ -3,8 +3,6 @@
 #include <QtCore/QProcess>
 #include <QtWidgets/QApplication>
 
-#include <malloc.h>
-
 #include <cstdlib>
 
 // A process that ends with a player in it, in every way that hosts end. The test runs itself as
@@ -114,7 +112,6 @@ int main(int argc, char **argv)
 {
     if (argc == 4 && !qstrcmp(argv[1], "--end")) {
         qunsetenv("GST_TRACERS");
-        mallopt(M_PERTURB, 0xa5); // what has been freed holds no sense any more
         return endAs(atoi(argv[2]), atoi(argv[3]), argc, argv);
     }
     return runPlayerTest(argc, argv, [](int count, char **values) {

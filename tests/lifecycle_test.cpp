@@ -278,6 +278,11 @@ private Q_SLOTS:
         QCOMPARE(host.load(media("yellow.mp4")), complete);
         host.control->SysNativeControlShow(1);
         AWAIT_EQUAL(host.picture(), "YYYY");
+        QCOMPARE(host.play(GST_STATE_PLAYING), complete);
+        AWAIT_EQUAL(host.state(), int(GST_STATE_PLAYING));
+        hideAndPark(host);
+        postEnd(host.view()->pipeline);
+        AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
     }
 
     // The window still runs what the video item left with it when it came.

@@ -66,6 +66,7 @@ MediaPlayerView::~MediaPlayerView()
     }
     delete thread;
     releaseCache();
+    gst_clear_object(&itemContext);
     removeLiveView(this);
 }
 

@@ -128,6 +128,7 @@ public:
     //   restoreRequested,             GUI; update clears  update
     //   saveRequested                 them
     //   generation                    GUI, update         update
+    //   itemContext                   GUI, update (both at once: exchange)
     //   ending                        GUI under lock      update, GUI
     //   commandQueued                 update; GUI clears  update
     //   commandRunning                GUI (release)       update under lock
@@ -193,6 +194,9 @@ public:
 
     /// A control has been bound at least once.
     bool bound = false;
+
+    /// A reference on the GL context that the video item made last.
+    GstObject *itemContext = nullptr;
 
     /// The window in which the video item last reported itself initialised.
     QPointer<QWindow> readyIn;
