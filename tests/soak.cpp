@@ -218,6 +218,6 @@ int soak(int, char **)
 
 int main(int argc, char **argv)
 {
-    qputenv("GST_TRACERS", "leaks(filters=\"GstElement,GstPad,GstBus,GstTask\")");
+    qputenv("GST_TRACERS", "leaks(filters=\"GstElement,GstPad,GstBus,GstTask,GstGLContextGLX\")");
     return runPlayerTest(argc, argv, soak);
 }
