@@ -11,39 +11,25 @@ namespace
 
 constexpr int stackSize = 131072;
 
-std::atomic<pid_t> lastThread;
-
-void *idle(void *)
-{
-    lastThread = gettid();
-    for (;;)
-        usleep(1000); // a cancellation point
-}
-
-void *endAtOnce(void *wrapper)
-{
-    static_cast<cThread *>(wrapper)->unlockThreadMutex();
-}
-
 QByteArray nameOf(pid_t thread)
 {
     QFile file(QStringLiteral("/proc/self/task/%1/comm").arg(thread));
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
-/// The system may take a moment longer than the join.
-bool hasGone(pid_t thread)
+/// The number of the thread, or 0 where it is refused.
+pid_t startIdle(cThread &wrapper, char *name)
 {
-    return blockUntil([thread] { return nameOf(thread).isEmpty(); });
-}
-
-/// False where a step refuses.
-bool startIdle(cThread &wrapper, char *name = nullptr)
-{
-    lastThread = 0;
-    return wrapper.threadInit(0, 99, 99, stackSize) == 0 // inherits: policy and priority are unread
-        && wrapper.createThread(idle, nullptr, name) == 0
-        && blockUntil([] { return lastThread != 0; });
+    static std::atomic<pid_t> thread;
+    thread = 0;
+    const auto idle = [](void *) -> void * {
+        for (thread = gettid();;)
+            usleep(1000); // a cancellation point
+    };
+    wrapper.threadInit(0, 99, 99, stackSize); // inherits: policy and priority are unread
+    wrapper.createThread(idle, nullptr, name);
+    blockUntil([] { return thread != 0; });
+    return thread;
 }
 
 } // namespace
@@ -64,45 +50,37 @@ private Q_SLOTS:
         QCOMPARE(refused(SCHED_OTHER, 1), "Thread configuration failed: 22\n\n22");
         QCOMPARE(refused(99, stackSize), "Thread configuration failed: 22\n\n22");
         QVERIFY(wrapper.trylockThreadMutex() != 0); // there is none
-        QCOMPARE(wrapper.createThread(idle, nullptr, nullptr), 0);
+        QCOMPARE(wrapper.createThread(nullptr, nullptr, nullptr), 0);
         QVERIFY(!wrapper.isActive());
         QVERIFY(wrapper.detachThread() != 0);
         QVERIFY(wrapper.destroyThread() != 0);
     }
 
-    void aNewThreadReplacesTheOld()
+    void aThreadIsJoinedOnce()
     {
-        char fitting[] = "Fitting", tooLong[] = "MediaPlayerUpdate";
-        cThread wrapper;
-        pid_t previous = 0;
-        for (const auto &[name, expected] : std::initializer_list<std::pair<char *, QByteArray>> {
-                 {fitting, "Fitting"}, {nullptr, "Unnamed"}, {tooLong, nameOf(gettid())}}) {
-            QVERIFY(startIdle(wrapper, name));
-            QCOMPARE(nameOf(lastThread), expected);
-            QVERIFY(hasGone(previous));
-            previous = lastThread;
-        }
-        wrapper.destroyThread();
-        QVERIFY(hasGone(previous));
-    }
+        cThread ended;
+        QCOMPARE(ended.threadInit(1, SCHED_OTHER, 0, stackSize), 0);
+        QCOMPARE(ended.trylockThreadMutex(), 0);
+        QCOMPARE(ended.trylockThreadMutex(), EBUSY);
+        const auto endAtOnce = [](void *self) -> void * {
+            static_cast<cThread *>(self)->unlockThreadMutex();
+        };
+        ended.createThread(endAtOnce, &ended, nullptr);
+        AWAIT(!ended.isActive());
+        QCOMPARE(ended.trylockThreadMutex(), 0);
 
-    void aThreadThatEndedIsJoinedOnceAndGivesItsClaimBack()
-    {
-        cThread wrapper;
-        QCOMPARE(wrapper.threadInit(1, SCHED_OTHER, 0, stackSize), 0);
-        QCOMPARE(wrapper.trylockThreadMutex(), 0);
-        QCOMPARE(wrapper.trylockThreadMutex(), EBUSY);
-        QCOMPARE(wrapper.createThread(endAtOnce, &wrapper, nullptr), 0);
-        QVERIFY(blockUntil([&wrapper] { return !wrapper.isActive(); }));
-        QCOMPARE(wrapper.trylockThreadMutex(), 0);
-
-        // Its handle may name a thread that somebody else started since.
+        // The handle of the one that ended may name this one.
+        char name[] = "Fitting";
         cThread other;
-        QVERIFY(startIdle(other));
-        QVERIFY(!wrapper.isActive());
-        QCOMPARE(wrapper.destroyThread(), 0); // although the claim is held
+        const pid_t first = startIdle(other, name);
+        QCOMPARE(nameOf(first), "Fitting");
+        QVERIFY(!ended.isActive());
+        QCOMPARE(ended.destroyThread(), 0); // although the claim is held
         QVERIFY(other.isActive());
-        QCOMPARE(other.destroyThread(), 0);
+
+        QCOMPARE(nameOf(startIdle(other, nullptr)), "Unnamed"); // replaces the first
+        AWAIT(nameOf(first).isEmpty()); // the system may take a moment longer than the join
+        other.destroyThread();
     }
 };
 
