@@ -73,10 +73,10 @@ private Q_SLOTS:
         char name[] = "Fitting";
         cThread other;
         const pid_t first = startIdle(other, name);
-        QCOMPARE(nameOf(first), "Fitting");
         QVERIFY(!ended.isActive());
         QCOMPARE(ended.destroyThread(), 0); // although the claim is held
         QVERIFY(other.isActive());
+        QCOMPARE(nameOf(first), "Fitting");
 
         QCOMPARE(nameOf(startIdle(other, nullptr)), "Unnamed"); // replaces the first
         AWAIT(nameOf(first).isEmpty()); // the system may take a moment longer than the join
