@@ -17,12 +17,12 @@ constexpr std::size_t pageSize = 4096;
 constexpr greg_t singleStep = 0x100; // the trap flag of x86
 
 char *page = nullptr; // the record lies at its end
+char *written = nullptr;
 char history[64]; // each write of busy, done, error and execute: b, d, e or x; capitals raise
 std::size_t length = 0;
 
 void onWrite(int signal, siginfo_t *info, void *context)
 {
-    static char *written;
     const bool fault = signal == SIGSEGV;
     if (fault)
         written = static_cast<char *>(info->si_addr);
