@@ -3,20 +3,9 @@
 #include <unistd.h>
 
 #include <array>
-#include <limits>
 
 namespace
 {
-
-constexpr qint64 second = 1'000'000'000;
-
-template <typename T>
-T propertyOf(GstElement *element, const char *name)
-{
-    T value {};
-    g_object_get(element, name, &value, nullptr);
-    return value;
-}
 
 /// The operands of the commands that change the picture; each command reads only its own.
 void setOperands(MediaPlayerParams &record, const std::array<int, 4> &numbers)
@@ -40,49 +29,38 @@ class CommandsTest : public QObject
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
-    void mediaFollowsCommands_data()
-    {
-        QTest::addColumn<Host::Kind>("kind");
-        QTest::newRow("quadrants.webm") << Host::Widget;
-        QTest::newRow("yellow.mp4") << Host::Quick; // has no sound
-        QTest::newRow("tone.flac") << Host::Quick;
-    }
+    void mediaFollowsCommands_data() { addKinds(); }
     void mediaFollowsCommands()
     {
         QFETCH(Host::Kind, kind);
         Captured errors(STDERR_FILENO);
         Host host(kind);
-        host.open(media(QTest::currentDataTag()));
+        host.open(media("quadrants.webm"));
         AWAIT_EQUAL(host.state(), 3);
-        AWAIT(qAbs(host.duration() - 10 * second) < second);
-        AWAIT_EQUAL(int(loadRelaxed(host.record.attached)), 1);
-        QCOMPARE(host.position(), 0);
 
-        GstElement *const volumeElement = host.view()->volumeElement;
-        host.record.volume = 0.25;
-        QCOMPARE(host.run(MediaPlayerCommandVolume), complete);
-        QCOMPARE(propertyOf<double>(volumeElement, "volume"), 0.25);
-        for (const qint8 mute : std::initializer_list<qint8> {1, 0, -128}) {
+        // Each applies only its own operand, and playing the volume too.
+        host.record.playState = 4;
+        for (const auto &[command, volume, mute, volumeThen, muteThen] :
+             {std::tuple(1, 0.25, qint8(-128), 0.25, false),
+              {3, 0.5, qint8(-128), 0.25, true},
+              {2, 0.5, qint8(0), 0.5, true},
+              {3, 1.0, qint8(0), 0.5, false}}) {
+            host.record.volume = volume;
             host.record.mute = mute;
-            QCOMPARE(host.run(MediaPlayerCommandMute), complete);
-            QCOMPARE(propertyOf<gboolean>(volumeElement, "mute"), mute != 0);
+            QCOMPARE(host.run(command), complete);
+            gdouble level = -1;
+            gboolean silent = -1;
+            g_object_get(host.view()->volumeElement, "volume", &level, "mute", &silent, nullptr);
+            QCOMPARE(level, volumeThen);
+            QCOMPARE(silent, gboolean(muteThen));
         }
-        host.record.volume = 0.5;
-        QCOMPARE(host.play(4), complete);
-        QCOMPARE(propertyOf<double>(volumeElement, "volume"), 0.5);
-        AWAIT(host.state() == 4 && host.position() > 0);
-        QCOMPARE(host.play(3), complete);
-        AWAIT_EQUAL(host.state(), 3);
-        host.record.seekPosition = 6 * second;
-        QCOMPARE(host.run(MediaPlayerCommandSeek), complete);
-        AWAIT(qAbs(host.position() - 6 * second) < second / 10);
-        const qint64 paused = host.position();
-        QVERIFY(blockForOnePass(host));
-        QCOMPARE(host.position(), paused);
-        for (const int state : {2, 4}) {
+        for (const int state : {4, 2, 3}) {
             QCOMPARE(host.play(state), complete);
             AWAIT_EQUAL(host.state(), state);
         }
+        host.record.seekPosition = 6'000'000'000;
+        QCOMPARE(host.run(MediaPlayerCommandSeek), complete);
+        AWAIT(qAbs(host.position() - host.record.seekPosition) < 100'000'000);
         QCOMPARE(host.play(1), complete); // stop: a paused start
         AWAIT(host.state() == 3 && host.position() == 0);
 
@@ -92,7 +70,6 @@ private Q_SLOTS:
         for (int passes = 0; passes < 2; ++passes)
             QCOMPARE(host.run(6), complete);
         QCOMPARE(host.duration(), -1);
-        QVERIFY(host.strayBytesKept());
         QCOMPARE(errors.text(), "");
     }
 
@@ -131,28 +108,25 @@ private Q_SLOTS:
 
     void nothingInTheRecordBreaksIt()
     {
-        constexpr auto never = std::numeric_limits<qint64>::max();
-        constexpr int most = std::numeric_limits<int>::max();
-        constexpr double infinite = std::numeric_limits<double>::infinity();
         Host host(Host::Quick);
         host.open(media("quadrants.webm"));
         AWAIT_EQUAL(host.picture(), "RGBW");
 
-        for (const double value : {qQNaN(), infinite, -infinite, -1., 11., 1e308}) {
+        host.record.playState = 4;
+        for (const double value : {qQNaN(), qInf(), -qInf(), -1., 11., 1e308}) {
             host.record.volume = host.record.opacity = value;
-            QCOMPARE(host.play(4), complete);
-            for (const int command : {1, 11})
+            for (const int command : {1, 2, 11})
                 QCOMPARE(host.run(command), complete);
         }
-        for (const qint64 target : {-never - 1, qint64(-1), never, never - 1, 11 * second}) {
-            host.record.seekPosition = target;
-            QCOMPARE(host.run(MediaPlayerCommandSeek), complete);
-        }
-        // Also as states and as the numbers of commands.
-        for (const int number : {-most - 1, -0x8000, -160, -1, 5, 8, 127, 128, 0x7fff, most}) {
-            setOperands(host.record, {number, number, number, number});
-            QCOMPARE(host.play(number), complete);
-            for (const int command : {9, 10, 12, number})
+        // As a time and, cut off, as every other operand and as the number of a command.
+        for (const qint64 number : std::initializer_list<qint64> {
+                 INT64_MIN, INT32_MIN, INT16_MIN, -160, -1, 5, 8, 127, 128, INT16_MAX, INT32_MAX,
+                 11'000'000'000, INT64_MAX - 1, INT64_MAX}) {
+            const int cut = int(number);
+            setOperands(host.record, {cut, cut, cut, cut});
+            host.record.seekPosition = number;
+            QCOMPARE(host.play(cut), complete);
+            for (const int command : {4, 9, 10, 12, cut})
                 QCOMPARE(host.run(command), complete);
         }
 
