@@ -43,14 +43,20 @@ ObjectRef<GstObject> heldBy(GstElement *sink, const Kind &kind)
 
 } // namespace
 
-SinkContexts::SinkContexts(GstElement *sink) : m_sink(sink), m_wasInNull(sink && isInNull(sink))
+// A streaming thread that links the sink may be raising it: it is in NULL until then, but holds
+// what is new already. The change that follows waits for that thread as well.
+SinkContexts::SinkContexts(GstElement *sink) : m_sink(sink)
 {
-    if (!m_wasInNull)
+    if (!sink)
         return;
+    GST_STATE_LOCK(sink);
+    m_wasInNull = isInNull(sink);
     for (const Kind &kind : kinds) {
-        if (auto held = heldBy(sink, kind))
+        auto held = m_wasInNull ? heldBy(sink, kind) : nullptr;
+        if (held)
             m_held.push_back(std::move(held));
     }
+    GST_STATE_UNLOCK(sink);
 }
 
 void SinkContexts::giveBack(GstObject *&itemsOwn)

@@ -20,7 +20,7 @@ public:
 
 private:
     GstElement *const m_sink;
-    const bool m_wasInNull;
+    bool m_wasInNull = false;
     std::vector<ObjectRef<GstObject>> m_held;
 };
 

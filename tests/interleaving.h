@@ -31,9 +31,17 @@ inline void hideAndPark(Host &host)
 }
 
 /// Whether a thread waits for the mutex. glibc writes 2 before such a thread goes to sleep.
+inline bool isContended(pthread_mutex_t *mutex)
+{
+    return std::atomic_ref(mutex->__data.__lock).load() == 2;
+}
 inline bool isContended(std::mutex &mutex)
 {
-    return std::atomic_ref(mutex.native_handle()->__data.__lock).load() == 2;
+    return isContended(mutex.native_handle());
+}
+inline bool isContended(const GRecMutex &mutex)
+{
+    return isContended(static_cast<pthread_mutex_t *>(mutex.p));
 }
 
 /// Holds up the thread that next changes the state of the view's pipeline, in the middle of its

@@ -159,6 +159,31 @@ private Q_SLOTS:
         QCOMPARE(int(m_host->record.error), 0);
     }
 
+    // A streaming thread is in the middle of raising the sink, which has taken what it shares.
+    void loadMeetsASinkBeingRaised()
+    {
+        static std::atomic<bool> raised, met;
+        load(*m_host, "./quadrants.webm");
+        const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline()));
+        const auto hold = [](GstBus *, GstMessage *message, gpointer) {
+            GstObject *const source = GST_MESSAGE_SRC(message);
+            if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_HAVE_CONTEXT
+                && !qstrcmp(GST_OBJECT_NAME(source), "videosink")) {
+                raised = true;
+                met = blockUntil(
+                    [sink = GST_ELEMENT(source)] { return isContended(sink->state_lock); });
+            }
+            return GST_BUS_PASS;
+        };
+        gst_bus_set_sync_handler(bus.get(), hold, nullptr, nullptr);
+        gst_element_set_state(pipeline(), GST_STATE_PAUSED);
+        QVERIFY(blockUntil([] { return raised.load(); }));
+        load(*m_host, "yellow.mp4");
+        QVERIFY(met);
+        m_host.reset(); // finds its display and GL contexts alive
+        init();
+    }
+
     // What was queried before the media was moved is not published after it.
     void staleAnswerIsNotPublished()
     {
