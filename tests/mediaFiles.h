@@ -16,24 +16,22 @@ struct MediaShape {
     const char *sound = "channels=2";
     double seekSlack = 1.1; ///< s; how far before its target a seek may land
     bool indexed = true; ///< a bare stream has no length and cannot be sought in
-    bool firstFrameOnly = false; ///< too heavy to be played here
-    double endingFrom = 0; ///< s; where it is too long to be played to its end
 };
 
-/// A media file to make. Its picture, if it has one, is red and green over blue and white.
+/// A media file to make; some have names that a URI cannot hold as they are. Its picture, if it has
+/// one, is red and green over blue and white.
 struct MediaFile {
     const char *name;
     const char *muxer; ///< it and the streams as for gst-launch-1.0
-    QList<const char *> streams;
+    const char *streams;
     MediaShape shape = {};
-
-    bool holds(const char *element) const;
 };
 
 extern const QList<MediaFile> mediaFiles;
 
-/// Makes the file in MEDIA_DIR. Returns nothing, or what went wrong; `*unsupported` tells whether
-/// that is an encoder that is missing, or was built without this format.
-QByteArray makeMediaFile(const MediaFile &file, bool *unsupported = nullptr);
+inline const QByteArray noEncoder = "no encoder, or one built without this format: ";
+
+/// Makes the file in MEDIA_DIR. Returns nothing, or what went wrong.
+QByteArray makeMediaFile(const MediaFile &file);
 
 #endif
