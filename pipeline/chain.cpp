@@ -51,6 +51,15 @@ void join(GstElement *pipeline, const Chain &chain)
     }
 }
 
+/// A sink that is raised first tells the elements before it which display and GL context the scene
+/// uses. They would open a display of their own, and the scene shows nothing of what is drawn
+/// there.
+void raiseFirst(GstElement *sink)
+{
+    if (sink && GST_STATE(sink) == GST_STATE_NULL)
+        gst_element_set_state(sink, GST_STATE_READY);
+}
+
 /// A stream that the converter does not take either stays unlinked.
 void convert(GstElement *pipeline, const Chain &chain, GstPad *stream)
 {
@@ -157,6 +166,7 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
     } else if (convertible) {
         watchFormat(pipeline, chain, stream);
     }
+    raiseFirst(chain.elements.back());
     for (GstElement *element : chain.elements) {
         if (element)
             gst_element_sync_state_with_parent(element);

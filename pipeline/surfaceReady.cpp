@@ -33,8 +33,8 @@ bool MediaPlayerView::noteContext()
     return before == readyIn;
 }
 
-// The first preroll of a fresh pipeline leaves the item black; the one after NULL shows the first
-// frame, and makes every later return to this pipeline fast.
+// The first preroll of a fresh pipeline builds its chain while the streams appear. The one after
+// NULL raises the whole chain from the sink up, as every later one does, and makes returns fast.
 void MediaPlayerView::videoItemReady()
 {
     if (ending)

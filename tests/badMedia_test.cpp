@@ -35,10 +35,17 @@ void serve(QTcpSocket *socket)
     answer += "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
     if (request.contains("/half"))
         answer.chop(body.size() / 2);
-    const bool stalls = request.contains("/stalls"), silent = request.contains("/silent");
-    socket->write(answer.first(silent ? 0 : stalls ? 200 : answer.size()));
-    if (!silent && !stalls)
+    if (request.contains("/silent"))
+        return;
+    if (request.contains("/stalls")) {
+        socket->write(answer.first(200));
+        return;
+    }
+    // Slow is longer than a preroll is waited for.
+    QTimer::singleShot(request.contains("/slow") ? 1500 : 0, socket, [socket, answer] {
+        socket->write(answer);
         socket->disconnectFromHost();
+    });
 }
 
 /// Cut, or with bytes changed: few, many, or only some of those in front, where the headers are.
@@ -114,7 +121,7 @@ private Q_SLOTS:
              {"HERE/empty.mp4", "HERE/noise.mp3", "HERE/text.mp4", "HERE/none.mp4",
               "FILE:///none.mp3", "file://host/a.mp4", "file:///%00.mp4", "file:///\xff\xfe.mp4",
               "file:///a%zz.mp4", "nosuch://a.mp4", "http://127.0.0.1:1/a.mp4", "SERVER/404.webm"}},
-            {Settles, {"HERE/video.mp3", "HERE/sound.mp4", "SERVER/good.webm"}},
+            {Settles, {"HERE/video.mp3", "HERE/sound.mp4", "SERVER/good.webm", "SERVER/slow.webm"}},
             {Reported | Settles, broken},
             {Pends, {"SERVER/silent.webm", "SERVER/stalls.webm"}},
         };
@@ -147,6 +154,8 @@ private Q_SLOTS:
         QTRY_VERIFY2_WITH_TIMEOUT(outcome() & allowed,
                                   "answer " + answer + ", outcome " + QByteArray::number(outcome()),
                                   patience);
+        if (allowed == Settles && uri.endsWith(".webm"))
+            AWAIT_EQUAL(host.picture(), "RGBW");
         if (outcome() == Settles) {
             // It plays until it ends or breaks, and as fast as it can: no clock holds it back.
             gst_pipeline_use_clock(GST_PIPELINE(host.view()->pipeline), nullptr);
