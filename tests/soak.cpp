@@ -151,8 +151,11 @@ void Seat::step()
     } else if (choice < 94) {
         logStep("%d registered again", index);
         char key[] = "RegisterParameter";
-        if (control)
+        if (control) {
             control->SysNativeControlSetSettings(key, &fields());
+            // A hide that found the player marked for this was not carried out.
+            showControl(isShown());
+        }
     } else if (choice < 97) {
         const int stall = pick(50, 400);
         logStep("the GUI thread stalls for %d ms", stall);
