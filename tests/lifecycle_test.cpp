@@ -249,8 +249,11 @@ private Q_SLOTS:
         mallopt(M_PERTURB, 0xa5); // what has been freed holds no sense any more
         host.view()->restore();
         delete host.view()->parentItem;
+        bool synchronized = false; // no QSignalSpy: this comes from the render thread
+        QQuickWindow *const window = host.window.get();
+        connect(window, &QQuickWindow::afterSynchronizing, window, [&] { synchronized = true; });
         host.window->update();
-        QVERIFY(QSignalSpy(host.window.get(), &QQuickWindow::afterSynchronizing).wait(patience));
+        AWAIT(synchronized);
         mallopt(M_PERTURB, 0);
     }
 
