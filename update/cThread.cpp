@@ -1,6 +1,6 @@
 #include "update/cThread.h"
 
-#include "view/AtomicAccess.h"
+#include "boundary/AtomicAccess.h"
 
 #include <unistd.h>
 

@@ -5,7 +5,7 @@ class QQmlEngine;
 class QQuickItem;
 class QString;
 
-/// The scene files' folder, fixed: hosts install the scene beside the library.
+/// The path of a scene file. The folder is fixed: hosts install the scene beside the library.
 QString sceneFile(const char *name);
 
 /// The engine of all views of the process. Made on first use and deleted, together with the views
