@@ -23,6 +23,19 @@ bool goesOnAsItIs(MediaPlayerView &view, bool keptContext)
 
 } // namespace
 
+QQuickItem *findVideoItem(const QQuickItem *root)
+{
+    return root->findChild<QQuickItem *>(QStringLiteral("videoItem"));
+}
+
+bool MediaPlayerView::isVideoSurfaceReady() const
+{
+    if (!videoObject)
+        return false;
+    const QQuickItem *item = videoItem ? videoItem.data() : findVideoItem(videoObject);
+    return item && item->window() && videoObject->isVisible() && item->isVisible();
+}
+
 bool isInitialized(const QQuickItem *videoItem)
 {
     return videoItem && videoItem->window() && videoItem->property("itemInitialized").toBool();
@@ -31,7 +44,7 @@ bool isInitialized(const QQuickItem *videoItem)
 void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
 {
     if (view.videoObject)
-        built.videoItem = view.videoObject->findChild<QQuickItem *>(QStringLiteral("videoItem"));
+        built.videoItem = findVideoItem(view.videoObject);
     QQuickItem *const item = built.videoItem;
     if (!built.videoSink || !item)
         return;

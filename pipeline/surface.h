@@ -5,6 +5,9 @@
 
 // What ties pipelines to the moment at which the video item can take frames. [gui]
 
+/// The item below `root` that the video sink draws into, or null.
+QQuickItem *findVideoItem(const QQuickItem *root);
+
 /// Whether the item can take frames in the window that it is in.
 bool isInitialized(const QQuickItem *videoItem);
 

@@ -159,9 +159,9 @@ private Q_SLOTS:
         if (outcome() == Settles) {
             // It plays until it ends or breaks, and as fast as it can: no clock holds it back.
             gst_pipeline_use_clock(GST_PIPELINE(host.view()->pipeline), nullptr);
-            const std::uint32_t run = loadRelaxed(host.view()->generation);
+            const std::uint32_t run = generationOf(host.view());
             host.play(GST_STATE_PLAYING);
-            AWAIT(reported() || loadRelaxed(host.view()->generation) > run + 1);
+            AWAIT(reported() || generationOf(host.view()) > run + 1);
         }
         if (allowed == Pends) {
             // Nothing waits for the server longer than it may.

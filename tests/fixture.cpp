@@ -202,6 +202,12 @@ QByteArray media(const char *name)
     return "file://" + folder + '/' + name;
 }
 
+std::uint32_t generationOf(MediaPlayerView *view)
+{
+    const Guard guard(view->lock);
+    return view->shared.generation;
+}
+
 bool blockUntil(const std::function<bool()> &condition)
 {
     const QDeadlineTimer deadline(patience);

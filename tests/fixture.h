@@ -4,7 +4,7 @@
 #include "boundary/MediaPlayerControl.h"
 #include "boundary/MediaPlayerParams.h"
 #include "diagnostics/MediaPlayerDiagnostics.h"
-#include "view/AtomicAccess.h"
+#include "boundary/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
 #include <QtQuickWidgets/QQuickWidget>
@@ -76,6 +76,10 @@ void addKinds();
 
 /// The URI of one of the files that tests/make-media makes.
 QByteArray media(const char *name);
+
+/// Goes up whenever the view's media is moved: with every way down to READY or NULL, every seek and
+/// every switch.
+std::uint32_t generationOf(MediaPlayerView *view);
 
 /// Keeps the GUI thread from its event loop until the condition is true, or gives up.
 bool blockUntil(const std::function<bool()> &condition);

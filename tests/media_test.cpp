@@ -91,11 +91,11 @@ private:
     {
         std::uint32_t run = 0;
         const auto play = [&] {
-            run = loadRelaxed(host.view()->generation);
+            run = generationOf(host.view());
             QCOMPARE(host.play(GST_STATE_PLAYING), complete);
         };
         // An end goes through READY and NULL.
-        const auto ended = [&] { return loadRelaxed(host.view()->generation) > run + 1; };
+        const auto ended = [&] { return generationOf(host.view()) > run + 1; };
         play();
         AWAIT(ended() || within(host.position(), 0.2, shape.seconds));
         for (const double target : {shape.seconds / 2, shape.seconds - 2}) {

@@ -1,6 +1,7 @@
 #include "view/scene.h"
 
 #include "diagnostics/Trace.h"
+#include "pipeline/surface.h"
 #include "view/MediaPlayerView.h"
 #include "view/liveViews.h"
 #include "view/placement.h"
@@ -37,11 +38,6 @@ QQmlEngine *sharedEngine()
         qAddPostRoutine(endEngine);
     }
     return engine;
-}
-
-QQuickItem *findVideoItem(const QQuickItem *root)
-{
-    return root->findChild<QQuickItem *>(QStringLiteral("videoItem"));
 }
 
 void MediaPlayerView::initQuickWidget()
