@@ -29,10 +29,12 @@ case $system in
   12) packagesRun+=(gstreamer1.0-pulseaudio) ;; # from 13 on, -good holds what it held
 esac
 
-# needPackages PACKAGE...: installs those that are missing; without root, says which they are.
+# needPackages PACKAGE...: installs those that are missing; without root, says which they are. Where
+# packages are not Debian's, they are taken to be there under other names.
 needPackages()
 {
   local package missing=()
+  [[ -x /usr/bin/dpkg-query ]] || return 0
   for package in "$@"; do
     [[ $(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) == installed ]] \
       || missing+=("$package")
