@@ -151,9 +151,8 @@ private Q_SLOTS:
                 return answer == failed ? Refused : Outcome();
             return host.pipelineStates().first() == GST_STATE_PAUSED ? Settles : Pends;
         };
-        QTRY_VERIFY2_WITH_TIMEOUT(outcome() & allowed,
-                                  "answer " + answer + ", outcome " + QByteArray::number(outcome()),
-                                  patience);
+        AWAIT_OR_SAY(outcome() & allowed,
+                     "answer " + answer + ", outcome " + QByteArray::number(outcome()));
         if (allowed == Settles && uri.endsWith(".webm"))
             AWAIT_EQUAL(host.picture(), "RGBW");
         if (outcome() == Settles) {

@@ -73,8 +73,8 @@ private Q_SLOTS:
         };
         rests();
         const double length = shape.indexed ? shape.seconds : 0;
-        QTRY_VERIFY2_WITH_TIMEOUT(within(host.duration(), length - 0.3, length + 0.3),
-                                  QByteArray::number(host.duration()), patience);
+        AWAIT_OR_SAY(within(host.duration(), length - 0.3, length + 0.3),
+                     QByteArray::number(host.duration()));
         if (!QTest::currentTestFailed())
             playToTheEnd(host, shape);
         rests();
@@ -104,9 +104,8 @@ private:
             QCOMPARE(host.play(GST_STATE_PAUSED), complete);
             host.record.seekPosition = qint64(target * GST_SECOND);
             QCOMPARE(host.run(MediaPlayerCommandSeek), complete);
-            QTRY_VERIFY2_WITH_TIMEOUT(
-                within(host.position(), target - shape.seekSlack, target + 0.3),
-                QByteArray::number(host.position()), patience);
+            AWAIT_OR_SAY(within(host.position(), target - shape.seekSlack, target + 0.3),
+                         QByteArray::number(host.position()));
             AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
             play();
         }

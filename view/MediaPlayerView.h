@@ -4,6 +4,7 @@
 #include "boundary/MediaPlayerParams.h"
 #include "quirks/Quirks.h"
 #include "view/Locks.h"
+#include "view/marks.h"
 
 #include <gst/gst.h>
 
@@ -14,9 +15,6 @@
 #include <QtGui/QWindow>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickView>
-#include <QtQuickWidgets/QQuickWidget>
-
-#include <cstdint>
 
 class cThread;
 
@@ -185,39 +183,14 @@ public:
     Mutex lock;
     SequenceLock sequence ACQUIRED_BEFORE(lock);
 
-    // What must hold still while a message or an answer is recorded.
-    struct Shared {
-        /// Goes up with every change down to READY or NULL, every switch and every seek, so that
-        /// what was queried before is not published after.
-        std::uint32_t generation = 0;
-        /// Number of the first message that the present run could have sent: ends and changes of
-        /// state that are older belong to a run that is over.
-        std::uint32_t firstOfRun = GST_SEQNUM_INVALID;
-        /// A command is being carried out and has not reported: messages wait for the report.
-        bool commandRunning = false;
-        /// A media error came up inside that command, and is answered after it.
-        bool errorAfterCommand = false;
-        /// The picture cannot take frames yet: errors of a request that came too early are dropped.
-        bool awaitsItem = false;
-    } shared GUARDED_BY(lock);
-
-    // What one holder of `sequence` leaves for the next.
-    struct Sequence {
-        bool rewindCut = false; ///< a rewind at the end of the stream was given up half way
-        bool errorBeforeNull = false; ///< NULL flushed an error off the bus; still to be answered
-    } inSequence GUARDED_BY(sequence);
+    RunMarks shared GUARDED_BY(lock);
+    TurnMarks inSequence GUARDED_BY(sequence);
 
     /// An updateValues() that the update thread queued has not finished. Written like invokePending.
     bool commandQueued = false;
 
     // Of the GUI thread alone.
-    struct Life {
-        bool deletionScheduled = false;
-        bool pipelineReleased = false; ///< by unrefPipe(): there are no elements any more
-        bool bound = false; ///< a control has registered a record at least once
-        QPointer<const QObject> control; ///< the newest that did
-        QList<QPointer<QQuickWidget>> widgetsLeftBehind; ///< deleted when no picture is in them
-    } life;
+    Life life;
 
     Quirks quirks;
 };
