@@ -15,6 +15,7 @@ void retireCurrent(MediaPlayerView &view)
 
 void makeCurrent(MediaPlayerView &view, const MediaPlayerView::PipelineCtx &built)
 {
+    assertGuiThread();
     const Guard guard(view.lock);
     ++view.shared.generation;
     view.shared.awaitsItem = false;

@@ -173,6 +173,7 @@ void MediaPlayerView::updateSize(bool)
 
 bool carryOutCommand(MediaPlayerView &view)
 {
+    assertGuiThread();
     const QPointer<MediaPlayerView> self(&view);
     const Record record(view.params);
     record.isExecuting(); // makes the host's operands visible on this thread

@@ -24,12 +24,10 @@ class cThread;
 /// media URI, and the thread that polls the record and the pipeline's bus. The window itself is
 /// never shown: the class is a QQuickView so that a Qt Quick host's window can own it.
 ///
-/// A declaration's first word tells its thread: [gui] is the application's, [update] the view's
-/// own, [streaming] GStreamer's, [any] all of them. What stands without one is [gui].
-///
-/// The slots stand together in view/slots.cpp; the work is done by the rooms: view/ places the
-/// picture and its texts, pipeline/ builds pipelines and changes their states, update/ listens to
-/// the bus and carries out commands.
+/// [gui] is the application's thread, [update] the view's own, [streaming] GStreamer's, [any] all of
+/// them. What stands without one is [gui]. The slots stand together in view/slots.cpp and hand over
+/// to the rooms: view/ places the picture and its texts, pipeline/ builds pipelines and changes
+/// their states, update/ listens to the bus and carries out commands.
 class MediaPlayerView : public QQuickView
 {
     Q_OBJECT
