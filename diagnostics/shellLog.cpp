@@ -47,8 +47,8 @@ bool isLinkOfOurs()
 int openLog()
 {
     const int follow = isLinkOfOurs() ? 0 : O_NOFOLLOW;
-    return open(logPath,
-                O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | follow, 0666);
+    return open(logPath, O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | follow,
+                0666);
 }
 
 bool canBeWritten()

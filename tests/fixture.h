@@ -1,10 +1,10 @@
 #ifndef FIXTURE_H
 #define FIXTURE_H
 
+#include "boundary/AtomicAccess.h"
 #include "boundary/MediaPlayerControl.h"
 #include "boundary/MediaPlayerParams.h"
 #include "diagnostics/MediaPlayerDiagnostics.h"
-#include "boundary/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
 #include <QtQuickWidgets/QQuickWidget>

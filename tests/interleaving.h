@@ -71,8 +71,7 @@ private:
             && GST_MESSAGE_SRC(message) == GST_OBJECT(gate->m_pipeline)
             && !gate->reached.exchange(true))
             gate->passed = blockUntil([view = gate->m_view] {
-                return s_opened || view->sequence.isAwaited()
-                    || !loadAcquire(view->pipelineActive);
+                return s_opened || view->sequence.isAwaited() || !loadAcquire(view->pipelineActive);
             });
         --s_inside;
         return GST_BUS_PASS;

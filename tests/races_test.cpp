@@ -231,8 +231,8 @@ private Q_SLOTS:
             ++host->shared.generation;
             return GST_PAD_PROBE_OK;
         };
-        const gulong probe = gst_pad_add_probe(sink.get(), GST_PAD_PROBE_TYPE_QUERY_UPSTREAM, move,
-                                               view(), nullptr);
+        const gulong probe =
+            gst_pad_add_probe(sink.get(), GST_PAD_PROBE_TYPE_QUERY_UPSTREAM, move, view(), nullptr);
         view()->busListenerFunction();
         QCOMPARE(m_host->position(), untouched);
         gst_pad_remove_probe(sink.get(), probe);

@@ -89,8 +89,8 @@ const char *unsettled(const Player &player)
         return nullptr;
     const bool attached = player.fields().attached != 0;
     const bool inTree = view->videoObject && view->videoObject->parentItem();
-    return view->life.deletionScheduled    ? "a player that is ending does not end"
-        : !player.isIdle() ? "a command is not answered"
+    return view->life.deletionScheduled ? "a player that is ending does not end"
+        : !player.isIdle()              ? "a command is not answered"
         : player.hasControl() && player.isShown() != attached ? "a show or hide is not carried out"
         : attached != inTree ? "attached does not tell where the picture is"
                              : nullptr;

@@ -98,8 +98,7 @@ Answer transform(MediaPlayerView &view, const Record &record)
 {
     if (view.videoItem)
         QMetaObject::invokeMethod(view.videoItem, "setTransformation",
-                                  Q_ARG(QVariant, record.flips()),
-                                  Q_ARG(QVariant, record.angle()));
+                                  Q_ARG(QVariant, record.flips()), Q_ARG(QVariant, record.angle()));
     return Answer::Done;
 }
 
@@ -128,16 +127,11 @@ Answer keepAspectRatio(MediaPlayerView &view, const Record &record)
 }
 
 constexpr std::pair<int, Handler> handlers[] = {
-    {MediaPlayerCommandLoad, loadMedia},
-    {MediaPlayerCommandVolume, setVolume},
-    {MediaPlayerCommandPlayState, goToState},
-    {MediaPlayerCommandMute, setMute},
-    {MediaPlayerCommandSeek, seek},
-    {MediaPlayerCommandRebind, markForRebinding},
-    {MediaPlayerCommandTransform, transform},
-    {MediaPlayerCommandCrop, crop},
-    {MediaPlayerCommandOpacity, setOpacity},
-    {MediaPlayerCommandKeepAspectRatio, keepAspectRatio},
+    {MediaPlayerCommandLoad, loadMedia},      {MediaPlayerCommandVolume, setVolume},
+    {MediaPlayerCommandPlayState, goToState}, {MediaPlayerCommandMute, setMute},
+    {MediaPlayerCommandSeek, seek},           {MediaPlayerCommandRebind, markForRebinding},
+    {MediaPlayerCommandTransform, transform}, {MediaPlayerCommandCrop, crop},
+    {MediaPlayerCommandOpacity, setOpacity},  {MediaPlayerCommandKeepAspectRatio, keepAspectRatio},
 };
 
 Answer carryOut(MediaPlayerView &view, std::int32_t command, const Record &record)

@@ -33,7 +33,8 @@ bool tellsOfPlaying(GstMessage *message)
 {
     return newStateOf(message) == GST_STATE_PLAYING
         && std::strncmp(GST_MESSAGE_SRC_NAME(message), pipelineNamePrefix,
-                        sizeof pipelineNamePrefix - 1) == 0;
+                        sizeof pipelineNamePrefix - 1)
+        == 0;
 }
 
 /// An end or a change of state of a run that is over, or that a seek has overtaken. Older, not
@@ -76,8 +77,7 @@ void answerError(MediaPlayerView &view, const GstElement *current) REQUIRES(view
 }
 
 /// Writes what the message means into the record.
-void note(MediaPlayerView &view, const GstElement *current, GstMessage *message)
-    REQUIRES(view.lock)
+void note(MediaPlayerView &view, const GstElement *current, GstMessage *message) REQUIRES(view.lock)
 {
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
         answerError(view, current);
