@@ -2,6 +2,7 @@
 
 #include "diagnostics/Trace.h"
 #include "pipeline/GstHandle.h"
+#include "quirks/Quirks.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
@@ -49,15 +50,6 @@ void join(GstElement *pipeline, const Chain &chain)
         }
         previous = element;
     }
-}
-
-/// A sink that is raised first tells the elements before it which display and GL context the scene
-/// uses. They would open a display of their own, and the scene shows nothing of what is drawn
-/// there.
-void raiseFirst(GstElement *sink)
-{
-    if (sink && GST_STATE(sink) == GST_STATE_NULL)
-        gst_element_set_state(sink, GST_STATE_READY);
 }
 
 /// A stream that the converter does not take either stays unlinked.
@@ -166,7 +158,7 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
     } else if (convertible) {
         watchFormat(pipeline, chain, stream);
     }
-    raiseFirst(chain.elements.back());
+    Quirks::chainJoined(chain.elements.back());
     for (GstElement *element : chain.elements) {
         if (element)
             gst_element_sync_state_with_parent(element);

@@ -44,18 +44,6 @@ bool namesSomethingElseThanAFile(const char *uri)
     return path && stat(path.get(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
-/// libsoup writes a critical for an address without a host or with a port that cannot be.
-bool isHttpToNowhere(const char *uri)
-{
-    if (!gst_uri_has_protocol(uri, "http") && !gst_uri_has_protocol(uri, "https"))
-        return false;
-    char *host = nullptr;
-    const bool parsed = g_uri_split(uri, G_URI_FLAGS_PARSE_RELAXED, nullptr, nullptr, &host,
-                                    nullptr, nullptr, nullptr, nullptr, nullptr);
-    const GlibText named(host);
-    return !parsed || !named || !*named;
-}
-
 /// The record's text. One without a NUL in its field has no end, and is no text.
 QByteArray fileNameOf(const MediaPlayerParams &params)
 {
@@ -169,8 +157,7 @@ bool MediaPlayerView::buildNew(const QByteArray &uri, const QString &key)
         return false;
     }
     const Kind kind = kindOf(key);
-    if (kind != Kind::Unsupported
-        && (namesSomethingElseThanAFile(uri.constData()) || isHttpToNowhere(uri.constData()))) {
+    if (kind != Kind::Unsupported && namesSomethingElseThanAFile(uri.constData())) {
         abandon(*record);
         showOverlay(textNoMedia);
         return false;
@@ -193,6 +180,7 @@ bool MediaPlayerView::buildNew(const QByteArray &uri, const QString &key)
     gst_bin_add(GST_BIN(record->pipeline), record->source);
     if (record->isVideo)
         bindVideoItem(*record);
+    Quirks::pipelineBuilt(record->source, uri.constData());
     g_signal_connect(record->source, "pad-added", G_CALLBACK(pad_added_handler), this);
     g_signal_connect(record->source, "no-more-pads", G_CALLBACK(no_more_pads_handler), this);
 

@@ -1,7 +1,5 @@
 #include "diagnostics/Trace.h"
 #include "pipeline/GstHandle.h"
-#include "pipeline/lostError.h"
-#include "pipeline/sinkContexts.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
@@ -55,11 +53,9 @@ GstStateChangeReturn MediaPlayerView::gstElementSetState(GstState state)
 
     const bool down = state == GST_STATE_NULL || state == GST_STATE_READY;
     const bool endsRun = state == GST_STATE_READY && isAboveReady(current);
-    SinkContexts contexts(loadRelaxed(videoSink));
     const GstStateChangeReturn result = changeState(current, state);
     if (result == GST_STATE_CHANGE_ASYNC)
-        tellLostError(current);
-    contexts.giveBack(itemContext);
+        Quirks::prerollTimedOut(current);
     if (down)
         nextGeneration();
     if (endsRun)
@@ -69,7 +65,7 @@ GstStateChangeReturn MediaPlayerView::gstElementSetState(GstState state)
 
 GstStateChangeReturn MediaPlayerView::changeState(GstElement *element, GstState state)
 {
-    if (gst_element_set_state(element, state) == GST_STATE_CHANGE_FAILURE)
+    if (Quirks::changeState(element, loadRelaxed(videoSink), state) == GST_STATE_CHANGE_FAILURE)
         return GST_STATE_CHANGE_FAILURE;
 
     GstState current = GST_STATE_NULL;

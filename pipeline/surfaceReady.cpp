@@ -3,10 +3,7 @@
 #include "view/liveViews.h"
 #include "view/scene.h"
 
-#include <QtQuick/QQuickRenderControl>
 #include <QtQuick/QQuickWindow>
-
-#include <utility>
 
 bool MediaPlayerView::isVideoSurfaceReady() const
 {
@@ -14,23 +11,6 @@ bool MediaPlayerView::isVideoSurfaceReady() const
         return false;
     const QQuickItem *item = videoItem ? videoItem.data() : findVideoItem(videoObject);
     return item && item->window() && videoObject->isVisible() && item->isVisible();
-}
-
-// The item reports itself each time it comes into a window. Places in one window, and the quick
-// widgets of one top-level window, share a GL context for as long as the scene graph lives.
-bool MediaPlayerView::noteContext()
-{
-    QQuickWindow *const scene = videoObject ? videoObject->window() : nullptr;
-    if (!scene)
-        return false;
-    disconnect(scene, &QQuickWindow::sceneGraphInvalidated, this, nullptr);
-    connect(scene, &QQuickWindow::sceneGraphInvalidated, this, [this, scene] {
-        if (videoObject && videoObject->window() == scene)
-            readyIn = nullptr;
-    });
-    QWindow *const outer = QQuickRenderControl::renderWindowFor(scene);
-    QWindow *const before = std::exchange(readyIn, outer ? outer : scene);
-    return before == readyIn;
 }
 
 // The first preroll of a fresh pipeline builds its chain while the streams appear. The one after
@@ -41,7 +21,7 @@ void MediaPlayerView::videoItemReady()
         return;
     traceLine("MediaPlayerView::videoItemReady");
     // What has prerolled under this context, and what has no picture, goes on as it is.
-    const bool sameContext = noteContext();
+    const bool sameContext = quirks.keptContext();
     if (sender() && pipeline && (!videoSink || (sameContext && isAboveReady(pipeline))))
         return;
     const std::lock_guard guard(lock);

@@ -66,7 +66,6 @@ MediaPlayerView::~MediaPlayerView()
     }
     delete thread;
     releaseCache();
-    gst_clear_object(&itemContext);
     removeLiveView(this);
 }
 

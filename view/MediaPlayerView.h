@@ -2,6 +2,7 @@
 #define MEDIAPLAYERVIEW_H
 
 #include "boundary/MediaPlayerParams.h"
+#include "quirks/Quirks.h"
 
 #include <gst/gst.h>
 
@@ -18,7 +19,6 @@
 #include <functional>
 #include <mutex>
 
-class RenderThreadNote;
 class cThread;
 
 /// The player behind one host record.
@@ -128,13 +128,10 @@ public:
     //   restoreRequested,             GUI; update clears  update
     //   saveRequested                 them
     //   generation                    GUI, update         update
-    //   itemContext                   GUI, update (both at once: exchange)
     //   ending                        GUI under lock      update, GUI
     //   commandQueued                 update; GUI clears  update
     //   commandRunning                GUI (release)       update under lock
-    //   bound, widgetsLeftBehind,     GUI                 GUI
-    //   readyIn, arrivingIn, arrivals,
-    //   renderThreadNote
+    //   bound, widgetsLeftBehind      GUI                 GUI
     //   the record's `execute`        host (release);     update, GUI (acquire)
     //                                 GUI lowers it
     //                                 (release)
@@ -195,19 +192,7 @@ public:
     /// A control has been bound at least once.
     bool bound = false;
 
-    /// A reference on the GL context that the video item made last.
-    GstObject *itemContext = nullptr;
-
-    /// The window in which the video item last reported itself initialised.
-    QPointer<QWindow> readyIn;
-
-    /// The window that the video item has come into and that has not synchronized since, and how
-    /// many times the item has come into one.
-    QPointer<QQuickWindow> arrivingIn;
-    unsigned arrivals = 0;
-
-    /// The video item's.
-    QPointer<RenderThreadNote> renderThreadNote;
+    Quirks quirks; // GUI
 
     /// Quick widgets of controls that are gone; deleted when the video object has left them.
     QList<QPointer<QQuickWidget>> widgetsLeftBehind;
@@ -222,7 +207,6 @@ public:
 
     // view/
     void attachVideoObject();
-    void videoItemArrives(QQuickWindow *in); // null when it has left
     void moveHostItemToOrigin();
     void pauseForSave();
     void resumeAfterRestore();
@@ -250,12 +234,11 @@ public:
     void retireCurrent(); // lock held
     void releaseCurrent(); // lock held, or the thread joined
     void releaseCache(); // the thread joined
-    bool noteContext(); // whether the video item is under the GL context of the last report
     static void releaseRecord(PipelineCtx &record);
     static void awaitNull(GstElement *element);
     static bool isAboveReady(GstElement *element); // or on its way there; any thread
     static void emptyBus(GstElement *element);
-    static GstStateChangeReturn changeState(GstElement *element, GstState state); // any thread
+    GstStateChangeReturn changeState(GstElement *element, GstState state); // any thread
     void nextGeneration(); // any thread
 
     // update/

@@ -1,14 +1,11 @@
 #include "view/liveViews.h"
 
+#include "quirks/Quirks.h"
 #include "update/cThread.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
-#include <link.h>
-
 #include <algorithm>
-#include <cstdlib>
-#include <utility>
 #include <vector>
 
 namespace
@@ -44,20 +41,9 @@ void removeLiveView(MediaPlayerView *view)
     std::erase(liveViews(), view);
 }
 
-// What is registered last is called first, and stays registered.
 void silenceViewsAtExit()
 {
-    using Loads = decltype(dl_phdr_info::dlpi_adds);
-    static Loads before = 0;
-    Loads now = 0;
-    dl_iterate_phdr(
-        [](dl_phdr_info *info, std::size_t, void *loads) {
-            *static_cast<Loads *>(loads) = info->dlpi_adds;
-            return 1;
-        },
-        &now);
-    if (std::exchange(before, now) != now)
-        std::atexit(silenceViews);
+    Quirks::librariesLoaded(silenceViews);
 }
 
 void endLiveViews()

@@ -1,7 +1,6 @@
 #include "diagnostics/Trace.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
-#include "view/renderThread.h"
 #include "view/scene.h"
 
 bool MediaPlayerView::saveObject()
@@ -103,8 +102,6 @@ void MediaPlayerView::onVisible(bool ready)
 void MediaPlayerView::onDestruct()
 {
     traceLine("MediaPlayerView::onDestruct");
-    if (QQuickItem *item = videoObject && arrivingIn ? findVideoItem(videoObject) : nullptr)
-        outliveRenderJob(item, arrivingIn);
     videoObject = nullptr;
     Q_EMIT destruct();
     // A control that is bound has ended the view by now. One that has left its view behind cannot,

@@ -4,7 +4,6 @@
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 #include "view/liveViews.h"
-#include "view/renderThread.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtQml/QQmlComponent>
@@ -65,25 +64,9 @@ void MediaPlayerView::initQuickWidget()
     traceLine("MediaPlayerView::connect onVisible");
     connect(videoObject, SIGNAL(videoSurfaceReadyChanged(bool)), this, SLOT(onVisible(bool)));
     connect(videoObject, SIGNAL(destruct()), this, SLOT(onDestruct()));
-    if (QQuickItem *item = findVideoItem(videoObject)) {
-        renderThreadNote = new RenderThreadNote(item);
-        connect(item, &QQuickItem::windowChanged, this, &MediaPlayerView::videoItemArrives);
-    }
+    if (QQuickItem *item = findVideoItem(videoObject))
+        quirks.sceneMade(item);
     attachVideoObject();
-}
-
-void MediaPlayerView::videoItemArrives(QQuickWindow *in)
-{
-    if (!in)
-        return; // what the window was given to run is still to be run
-    arrivingIn = in;
-    connect(
-        in, &QQuickWindow::afterSynchronizing, this,
-        [this, arrival = ++arrivals] {
-            if (arrival == arrivals)
-                arrivingIn = nullptr;
-        },
-        Qt::ConnectionType(Qt::AutoConnection | Qt::SingleShotConnection));
 }
 
 // The host's item may answer a new child with whatever its QML does.
@@ -91,8 +74,6 @@ void MediaPlayerView::attachVideoObject()
 {
     if (videoObject)
         videoObject->setParent(parentItem);
-    if (renderThreadNote && parentItem && parentItem->window())
-        renderThreadNote->tend(parentItem->window());
     if (videoObject)
         videoObject->setParentItem(parentItem);
 }
