@@ -157,7 +157,7 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
     } else if (convertible) {
         watchFormat(pipeline, chain, stream);
     }
-    quirks::chainJoined(chain.elements.back());
+    Quirks::chainJoined(chain.elements.back());
     for (GstElement *element : chain.elements) {
         if (element)
             gst_element_sync_state_with_parent(element);

@@ -137,7 +137,7 @@ bool buildNew(MediaPlayerView &view, const QByteArray &uri, const QString &key)
         return false;
     }
     makeElements(view, *built, kind);
-    quirks::pipelineBuilt(built->source, uri.constData());
+    Quirks::pipelineBuilt(built->source, uri.constData());
 
     const Turn turn(view);
     retireCurrent(view);

@@ -72,11 +72,11 @@ GstStateChangeReturn setState(MediaPlayerView &view, GstState state, const GiveU
 
     if (state == GST_STATE_NULL && holdsError(pipeline) && !awaitsItem(view))
         view.inSequence.errorBeforeNull = true;
-    GstStateChangeReturn result = quirks::changeState(pipeline, loadRelaxed(view.videoSink), state);
+    GstStateChangeReturn result = Quirks::changeState(pipeline, loadRelaxed(view.videoSink), state);
     if (result != GST_STATE_CHANGE_FAILURE)
         result = awaitState(pipeline, state, giveUp);
     if (result == GST_STATE_CHANGE_ASYNC && !(giveUp && giveUp()))
-        quirks::prerollTimedOut(pipeline);
+        Quirks::prerollTimedOut(pipeline);
     if (state <= GST_STATE_READY)
         beginRun(view);
     return result;

@@ -11,8 +11,8 @@ class QQuickItem;
 // the GUI thread with quick widgets and with Qt's basic render loop.
 // And an item that enters a window again wraps the window's context anew and forgets the wrapper
 // that it had: 27 KB each time.
-// Where: GStreamer's GstGLQt6VideoItem and GstGL, 1.22 to 1.28: gst_gl_context_activate() notes a bare
-// pointer for the thread, updatePaintNode() leaves it there, and gst_qml6_get_gl_wrapcontext()
+// Where: GStreamer's GstGLQt6VideoItem and GstGL, 1.22 to 1.28: gst_gl_context_activate() notes a
+// bare pointer for the thread, updatePaintNode() leaves it there, and gst_qml6_get_gl_wrapcontext()
 // takes what it finds there for the window's context.
 // Needed: where a frame leaves a context noted that was not noted before it. Looked at in each
 // frame; where nothing is left, nothing is done.

@@ -12,8 +12,8 @@
 // Can go: never while a process may exit with a player that plays.
 // Test: exit_test, playing: exit() with a leaked application.
 
-/// [gui] Registers `stopPlayers` again if libraries have been loaded since the last call. It may run
-/// more than once.
+/// [gui] Registers `stopPlayers` again if libraries have been loaded since the last call. It may
+/// run more than once.
 void runBeforeLibrariesEnd(void (*stopPlayers)());
 
 #endif

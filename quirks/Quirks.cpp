@@ -24,30 +24,30 @@ bool Quirks::keptContext()
     return m_itemContext && m_itemContext->kept();
 }
 
-GstStateChangeReturn quirks::changeState(GstElement *pipeline, GstElement *videoSink,
+GstStateChangeReturn Quirks::changeState(GstElement *pipeline, GstElement *videoSink,
                                          GstState state)
 {
     return state == GST_STATE_NULL ? toNullWithoutSink(pipeline, videoSink)
                                    : gst_element_set_state(pipeline, state);
 }
 
-void quirks::chainJoined(GstElement *sink)
+void Quirks::chainJoined(GstElement *sink)
 {
     if (sink)
         raiseSinkFirst(sink);
 }
 
-void quirks::prerollTimedOut(GstElement *pipeline)
+void Quirks::prerollTimedOut(GstElement *pipeline)
 {
     postLostError(pipeline);
 }
 
-void quirks::librariesLoaded(void (*stopPlayers)())
+void Quirks::librariesLoaded(void (*stopPlayers)())
 {
     runBeforeLibrariesEnd(stopPlayers);
 }
 
-void quirks::pipelineBuilt(GstElement *source, const char *uri)
+void Quirks::pipelineBuilt(GstElement *source, const char *uri)
 {
     refuseHostlessAddress(source, uri);
 }

@@ -20,34 +20,31 @@ public:
     /// uses the GL context that it used at the last call. False at the first one.
     bool keptContext();
 
+    /// [any thread] gst_element_set_state() for a built pipeline that goes on living. `videoSink`
+    /// may be null, and need not have joined the pipeline. The caller keeps other changes of its
+    /// state away. To end a pipeline use gst_element_set_state(), which takes every element to
+    /// NULL.
+    static GstStateChangeReturn changeState(GstElement *pipeline, GstElement *videoSink,
+                                            GstState state);
+
+    /// [streaming] Call when the chain that ends in `sink` has joined the pipeline, before its
+    /// elements follow the pipeline's state. Null is accepted.
+    static void chainJoined(GstElement *sink);
+
+    /// [any thread] Call when a preroll did not complete in time. Posts the error that its source
+    /// kept to itself, if it did.
+    static void prerollTimedOut(GstElement *pipeline);
+
+    /// [gui] Call when libraries may have been loaded: makes exit() call `stopPlayers` before the
+    /// finalizers of all libraries that are loaded by now. Always give the same function.
+    static void librariesLoaded(void (*stopPlayers)());
+
+    /// [gui] Call when a pipeline has been built for `uri`. Where its source would write a critical
+    /// about the address, the source reports an error on the bus in its place.
+    static void pipelineBuilt(GstElement *source, const char *uri);
+
 private:
     QPointer<ItemContext> m_itemContext; // the video item's child
 };
-
-namespace quirks
-{
-
-/// [any thread] gst_element_set_state() for a built pipeline that goes on living. `videoSink` may be
-/// null, and need not have joined the pipeline. The caller keeps other changes of its state away.
-/// To end a pipeline use gst_element_set_state(), which takes every element to NULL.
-GstStateChangeReturn changeState(GstElement *pipeline, GstElement *videoSink, GstState state);
-
-/// [streaming] Call when the chain that ends in `sink` has joined the pipeline, before its elements
-/// follow the pipeline's state. Null is accepted.
-void chainJoined(GstElement *sink);
-
-/// [any thread] Call when a preroll did not complete in time. Posts the error that its source kept
-/// to itself, if it did.
-void prerollTimedOut(GstElement *pipeline);
-
-/// [gui] Call when libraries may have been loaded: makes exit() call `stopPlayers` before the
-/// finalizers of all libraries that are loaded by now. Always give the same function.
-void librariesLoaded(void (*stopPlayers)());
-
-/// [gui] Call when a pipeline has been built for `uri`. Where its source would write a critical
-/// about the address, the source reports an error on the bus in its place.
-void pipelineBuilt(GstElement *source, const char *uri);
-
-} // namespace quirks
 
 #endif
