@@ -79,7 +79,8 @@ bool refuseUnsupported(MediaPlayerView &view)
 bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
 {
     traceLine("MP: found entry in map");
-    const bool awaitsItem = built.videoSink && built.videoItem && !isInitialized(built.videoItem);
+    // A picture that has never been shown cannot take frames before its item can.
+    const bool awaitsItem = built.videoSink && !built.prerolled && !isInitialized(built.videoItem);
     const Turn turn(view);
     retireCurrent(view);
     makeCurrent(view, built);

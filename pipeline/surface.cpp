@@ -7,6 +7,10 @@ namespace
 
 void markPrerolled(MediaPlayerView &view)
 {
+    {
+        const Guard guard(view.lock);
+        view.shared.awaitsItem = false;
+    }
     for (const auto &built : std::as_const(view.pipelineCache))
         built->prerolled |= built->pipeline == view.pipeline;
 }
@@ -74,10 +78,6 @@ void prerollCurrent(MediaPlayerView &view, bool fromSignal)
         return;
     }
     run(view, sequence::prerollOfNew);
-    {
-        const Guard guard(view.lock);
-        view.shared.awaitsItem = false;
-    }
     markPrerolled(view);
     MediaPlayerView::librariesLoaded();
     // Posted within the turn, so that an error which this preroll has left on the bus is shown
@@ -89,9 +89,9 @@ void stabilize(MediaPlayerView &view)
 {
     if (!view.isVideoSurfaceReady())
         QMetaObject::invokeMethod(&view, "resetItem", Qt::QueuedConnection);
-    const Turn turn(view);
     if (!view.pipeline)
         return;
+    const Turn turn(view);
     run(view, sequence::cycle);
     QMetaObject::invokeMethod(&view, "nulldownAndPauseOnGuiThread", Qt::QueuedConnection);
 }

@@ -50,6 +50,10 @@ Answer goToState(MediaPlayerView &view, const Record &record)
 {
     if (!view.pipeline)
         return Answer::Done;
+    {
+        const Guard guard(view.lock);
+        view.shared.awaitsItem = false; // what comes of this request is told
+    }
     view.updateSize(false);
     const std::int32_t wanted = record.playState();
     if (wanted != GST_STATE_NULL) {
