@@ -246,7 +246,6 @@ private Q_SLOTS:
         Host host(Host::Quick);
         openAndPlay(host);
         hideAndPark(host);
-        mallopt(M_PERTURB, 0xa5); // what has been freed holds no sense any more
         host.view()->restore();
         delete host.view()->parentItem;
         bool synchronized = false; // no QSignalSpy: this comes from the render thread
@@ -254,7 +253,6 @@ private Q_SLOTS:
         connect(window, &QQuickWindow::afterSynchronizing, window, [&] { synchronized = true; });
         host.window->update();
         AWAIT(synchronized);
-        mallopt(M_PERTURB, 0);
     }
 
     void fiftyCyclesLeakNothing_data() { addSettings(); }
