@@ -56,6 +56,7 @@ void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
                      Qt::UniqueConnection);
     prerollOnceInitialized(view, item);
     g_object_set(built.videoSink, "widget", item, "force-aspect-ratio", FALSE, nullptr);
+    view.quirks.sinkBound(built.videoSink);
 }
 
 void prerollOnceInitialized(MediaPlayerView &view, const QQuickItem *videoItem)
