@@ -72,8 +72,14 @@ private Q_SLOTS:
         enableWorkaround = 1;
         QCOMPARE(orderOf(host.record, [&host] { host.registerRecord(); }), "beD");
         enableWorkaround = 0;
-        QCOMPARE(orderOf(host.record, [&host] { host.view()->mediaFailed(host.view()->pipeline); }),
-                 "Edb");
+        const auto fail = [&host] {
+            GError *const error =
+                g_error_new_literal(GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED, "");
+            host.view()->handle_message(
+                gst_message_new_error(GST_OBJECT(host.view()->pipeline), error, nullptr));
+            g_error_free(error);
+        };
+        QCOMPARE(orderOf(host.record, fail), "Edb");
     }
 };
 
