@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <thread>
 
 namespace
@@ -224,6 +225,11 @@ QByteArray media(const char *name)
     if (folder.isEmpty())
         qFatal("MEDIA_DIR is not set: run the tests through ./test");
     return "file://" + folder + '/' + name;
+}
+
+qint64 entriesOf(const char *folder)
+{
+    return std::distance(std::filesystem::directory_iterator(folder), {});
 }
 
 bool blockUntil(const std::function<bool()> &condition)

@@ -88,6 +88,9 @@ void addKinds();
 /// The URI of one of the files that tests/make-media makes.
 QByteArray media(const char *name);
 
+/// How many entries a folder has: /proc/self/fd and /proc/self/task tell what a process holds.
+qint64 entriesOf(const char *folder);
+
 /// Keeps the GUI thread from its event loop until the condition is true, or gives up.
 bool blockUntil(const std::function<bool()> &condition);
 

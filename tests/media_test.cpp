@@ -67,7 +67,7 @@ private Q_SLOTS:
             if (host.view()->videoSink)
                 AWAIT_EQUAL(host.overlay(), QString());
             AWAIT_EQUAL(host.pipelineStates(), QList<int> {GST_STATE_PAUSED});
-            AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+            AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
             if (strstr(file->streams, "PICTURE"))
                 AWAIT_EQUAL(host.picture(), "RGBW");
         };
@@ -107,7 +107,7 @@ private:
             QTRY_VERIFY2_WITH_TIMEOUT(
                 within(host.position(), target - shape.seekSlack, target + 0.3),
                 QByteArray::number(host.position()), patience);
-            AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+            AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
             play();
         }
         AWAIT(ended() && host.state() == GST_STATE_PAUSED && within(host.position(), 0, 0.3));

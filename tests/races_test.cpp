@@ -7,25 +7,6 @@
 namespace
 {
 
-void request(Host &host, int command)
-{
-    storeRelaxed(host.record.command, command);
-    storeRelease(host.record.execute, 1);
-    host.view()->updateValues();
-}
-
-void load(Host &host, const char *name)
-{
-    host.setFileName(media(name) + '\0');
-    request(host, MediaPlayerCommandLoad);
-}
-
-void play(Host &host, GstState state)
-{
-    host.record.playState = state;
-    request(host, MediaPlayerCommandPlayState);
-}
-
 /// What is forgotten of the messages that a command finds on the bus.
 enum Forgets { Nothing, End, All };
 
@@ -37,17 +18,18 @@ struct Command {
 };
 
 const Command commands[] = {
-    {"load", All, GST_STATE_PAUSED, [](Host &host) { load(host, "tone.flac"); }},
-    {"load, cached", All, GST_STATE_PAUSED, [](Host &host) { load(host, "yellow.mp4"); }},
+    {"load", All, GST_STATE_PAUSED, [](Host &host) { loadAtOnce(host, "tone.flac"); }},
+    {"load, cached", All, GST_STATE_PAUSED, [](Host &host) { loadAtOnce(host, "yellow.mp4"); }},
     {"load and return", All, GST_STATE_PAUSED,
      [](Host &host) {
-         load(host, "yellow.mp4");
-         load(host, "quadrants.webm");
+         loadAtOnce(host, "yellow.mp4");
+         loadAtOnce(host, "quadrants.webm");
      }},
-    {"play", Nothing, GST_STATE_PLAYING, [](Host &host) { play(host, GST_STATE_PLAYING); }},
-    {"stop", All, GST_STATE_PAUSED, [](Host &host) { play(host, GST_STATE_NULL); }},
-    {"seek", End, GST_STATE_PAUSED, [](Host &host) { request(host, MediaPlayerCommandSeek); }},
-    {"rebind", All, GST_STATE_PAUSED, [](Host &host) { request(host, MediaPlayerCommandRebind); }},
+    {"play", Nothing, GST_STATE_PLAYING, [](Host &host) { playAtOnce(host, GST_STATE_PLAYING); }},
+    {"stop", All, GST_STATE_PAUSED, [](Host &host) { playAtOnce(host, GST_STATE_NULL); }},
+    {"seek", End, GST_STATE_PAUSED, [](Host &host) { runAtOnce(host, MediaPlayerCommandSeek); }},
+    {"rebind", All, GST_STATE_PAUSED,
+     [](Host &host) { runAtOnce(host, MediaPlayerCommandRebind); }},
     {"unrefPipe", All, 0, [](Host &host) { host.view()->unrefPipe(); }},
     {"destructor", Nothing, 0, [](Host &host) { delete host.view(); }},
 };
@@ -163,7 +145,7 @@ private Q_SLOTS:
     void loadMeetsASinkBeingRaised()
     {
         static std::atomic<bool> raised, met;
-        load(*m_host, "./quadrants.webm");
+        loadAtOnce(*m_host, "./quadrants.webm");
         const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline()));
         const auto hold = [](GstBus *, GstMessage *message, gpointer) {
             GstObject *const source = GST_MESSAGE_SRC(message);
@@ -178,7 +160,7 @@ private Q_SLOTS:
         gst_bus_set_sync_handler(bus.get(), hold, nullptr, nullptr);
         gst_element_set_state(pipeline(), GST_STATE_PAUSED);
         QVERIFY(blockUntil([] { return raised.load(); }));
-        load(*m_host, "yellow.mp4");
+        loadAtOnce(*m_host, "yellow.mp4");
         QVERIFY(met);
         m_host.reset(); // finds its display and GL contexts alive
         init();
@@ -201,7 +183,7 @@ private Q_SLOTS:
     void errorOfThePrerollStays()
     {
         takeOverUpdateThread();
-        load(*m_host, "tone.flac");
+        loadAtOnce(*m_host, "tone.flac");
         for (int attempt = 0; attempt < 20; ++attempt) {
             const auto before = view()->generation;
             std::thread listener([&] {
