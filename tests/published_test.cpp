@@ -49,7 +49,7 @@ private Q_SLOTS:
         QCOMPARE(int(host.record.error), 0);
         host.setShown(true);
         AWAIT_EQUAL(host.picture(), "RGBW");
-        AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
         QCOMPARE(host.overlay(), QString());
     }
 
@@ -87,7 +87,7 @@ private Q_SLOTS:
     {
         Host host(Host::Quick, {320, 240}, Host::Hidden);
         host.open(media("quadrants.webm"));
-        AWAIT_EQUAL(host.state(), int(GST_STATE_READY));
+        AWAIT_EQUAL(host.state(), GST_STATE_READY);
         QMetaObject::invokeMethod(host.view(), "videoItemReady");
         host.setShown(true);
         AWAIT_EQUAL(host.picture(), "RGBW");
@@ -98,8 +98,8 @@ private Q_SLOTS:
     void anErrorOfARunThatIsStoppedIsTold_data()
     {
         QTest::addColumn<int>("state");
-        QTest::newRow("READY") << int(GST_STATE_READY);
-        QTest::newRow("NULL") << int(GST_STATE_NULL);
+        QTest::newRow("READY") << GST_STATE_READY;
+        QTest::newRow("NULL") << GST_STATE_NULL;
     }
     void anErrorOfARunThatIsStoppedIsTold()
     {
@@ -148,7 +148,7 @@ private Q_SLOTS:
         const qint64 before = host.position();
         AWAIT(host.position() > before + GST_SECOND / 2);
         QCOMPARE(host.play(GST_STATE_PAUSED), complete);
-        AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
     }
 
     // The run that a seek begins may end before the seek has returned.

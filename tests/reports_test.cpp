@@ -62,11 +62,13 @@ private Q_SLOTS:
             QCOMPARE(sigaction(signal, &action, nullptr), 0);
         Host host(Host::Quick);
         host.open(media("tone.flac"));
-        AWAIT_EQUAL(host.state(), 3);
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
         host.view()->thread->destroyThread(); // it has its signals blocked, so it must not write
 
-        for (const auto &[code, order] : {std::pair(6, "Debx"), {0, "Debx"}, {7, "x"}}) {
-            host.record.command = code;
+        for (const auto &[command, order] : {std::pair(MediaPlayerCommandVolume, "Debx"),
+                                             {MediaPlayerCommandLoad, "Debx"},
+                                             {MediaPlayerCommandRebind, "x"}}) {
+            host.record.command = command;
             QCOMPARE(orderOf(host.record, [&host] { host.view()->updateValues(); }), order);
         }
         enableWorkaround = 1;
