@@ -98,8 +98,8 @@ private Q_SLOTS:
     void anErrorOfARunThatIsStoppedIsTold_data()
     {
         QTest::addColumn<int>("state");
-        QTest::newRow("READY") << GST_STATE_READY;
-        QTest::newRow("NULL") << GST_STATE_NULL;
+        QTest::newRow("READY") << int(GST_STATE_READY);
+        QTest::newRow("NULL") << int(GST_STATE_NULL);
     }
     void anErrorOfARunThatIsStoppedIsTold()
     {
