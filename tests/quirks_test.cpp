@@ -44,19 +44,16 @@ private Q_SLOTS:
     }
 
     // One thread draws for all of them: the GUI thread for widgets, and in the basic loop for any.
-    void drawsAfterOthersOnItsThread_data() { addKinds(); }
+    // An item that has entered its window twice leaves GStreamer's note of its GL context alive.
     void drawsAfterOthersOnItsThread()
     {
-        QFETCH(Host::Kind, kind);
-        Host stays(kind);
-        openAndPlay(stays);
-        for (int round = 0; round < 3; ++round) {
-            Host comes(kind);
-            openAndPlay(comes);
-            AWAIT_EQUAL(comes.picture(), "RGBW");
+        for (const Host::Kind kind : {Host::Quick, Host::Widget, Host::Quick, Host::Widget}) {
+            Host host(kind);
+            openAndPlay(host);
+            hideAndPark(host);
+            host.control->SysNativeControlShow(1);
+            AWAIT_EQUAL(host.picture(), "RGBW");
         }
-        QCOMPARE(stays.run(MediaPlayerCommandSeek), complete);
-        AWAIT_EQUAL(stays.picture(), "RGBW");
     }
 
     // After a film whose format the newer sinks take as it is.
