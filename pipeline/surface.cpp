@@ -42,11 +42,6 @@ bool MediaPlayerView::isVideoSurfaceReady() const
     return item && item->window() && videoObject->isVisible() && item->isVisible();
 }
 
-bool isInitialized(const QQuickItem *videoItem)
-{
-    return videoItem && videoItem->window() && videoItem->property("itemInitialized").toBool();
-}
-
 void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
 {
     if (view.videoObject)
@@ -56,20 +51,20 @@ void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
         return;
     QObject::connect(item, SIGNAL(itemInitializedChanged()), &view, SLOT(videoItemReady()),
                      Qt::UniqueConnection);
-    prerollOnceInitialized(view, item);
+    prerollOnceInitialized(view);
     g_object_set(built.videoSink, "widget", item, "force-aspect-ratio", FALSE, nullptr);
     view.quirks.sinkBound(built.videoSink);
 }
 
-void prerollOnceInitialized(MediaPlayerView &view, const QQuickItem *videoItem)
+void prerollOnceInitialized(MediaPlayerView &view)
 {
-    if (videoItem && videoItem->property("itemInitialized").toBool())
+    if (view.quirks.isItemInitialized())
         QMetaObject::invokeMethod(&view, "videoItemReady", Qt::QueuedConnection);
 }
 
 void prerollCurrent(MediaPlayerView &view, bool fromSignal)
 {
-    const bool keptContext = isInitialized(view.videoItem) && view.quirks.keptContext();
+    const bool keptContext = view.quirks.isItemInitialized() && view.quirks.keptContext();
     if (fromSignal && goesOnAsItIs(view, keptContext)) {
         markPrerolled(view, true);
         view.hideOverlay();

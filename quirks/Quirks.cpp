@@ -15,7 +15,7 @@
 void Quirks::sceneMade(QQuickItem *videoItem)
 {
     keepCurrentContext(videoItem);
-    enterWindowsWithoutJobs(videoItem);
+    m_windowEntry = new WindowEntry(videoItem);
     m_itemContext = new ItemContext(videoItem);
     m_nodeFormat = new NodeFormat(videoItem);
 }
@@ -24,6 +24,11 @@ void Quirks::sinkBound(GstElement *videoSink)
 {
     if (m_nodeFormat)
         m_nodeFormat->watch(videoSink);
+}
+
+bool Quirks::isItemInitialized() const
+{
+    return m_windowEntry && m_windowEntry->isInitialized();
 }
 
 bool Quirks::keptContext()

@@ -8,6 +8,7 @@
 class ItemContext;
 class NodeFormat;
 class QQuickItem;
+class WindowEntry;
 
 /// What a view needs so that faults of the platform do not reach its host: its one way to the
 /// entries in this folder. README.md lists them. Takes none of the view's locks.
@@ -20,18 +21,21 @@ public:
     /// [gui] The sink has been given the video item.
     void sinkBound(GstElement *videoSink);
 
+    /// [gui] Whether the video item has been initialised in the window that it is in.
+    bool isItemInitialized() const;
+
     /// [gui] For the slot that hears that the video item is initialised: whether the item still
     /// uses the GL context that it used at the last call. False at the first one.
     bool keptContext();
 
-    /// [any thread] gst_element_set_state() for a built pipeline that goes on living. `videoSink`
+    /// [any] gst_element_set_state() for a built pipeline that goes on living. `videoSink`
     /// may be null, and need not have joined the pipeline. The caller keeps other changes of its
     /// state away. To end a pipeline use gst_element_set_state(), which takes every element to
     /// NULL.
     static GstStateChangeReturn changeState(GstElement *pipeline, GstElement *videoSink,
                                             GstState state);
 
-    /// [any thread] Call when a preroll did not complete in time. Posts the error that its source
+    /// [any] Call when a preroll did not complete in time. Posts the error that its source
     /// kept to itself, if it did.
     static void prerollTimedOut(GstElement *pipeline);
 
@@ -47,6 +51,7 @@ private:
     // The video item's children.
     QPointer<ItemContext> m_itemContext;
     QPointer<NodeFormat> m_nodeFormat;
+    QPointer<WindowEntry> m_windowEntry;
 };
 
 #endif

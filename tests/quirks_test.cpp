@@ -56,6 +56,21 @@ private Q_SLOTS:
         }
     }
 
+    // Each film that is new gets its own sink; the GL contexts are the leaks tracer's to find.
+    void prerollsWhileHidden()
+    {
+        Host host(Host::Quick);
+        openAndPlay(host);
+        hideAndPark(host);
+        for (const char *film : {"./quadrants.webm", "yellow.mp4"}) {
+            QCOMPARE(host.load(media(film)), complete);
+            QCOMPARE(host.play(GST_STATE_PAUSED), complete);
+            AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+        }
+        host.control->SysNativeControlShow(1);
+        AWAIT_EQUAL(host.picture(), "YYYY");
+    }
+
     // After a film whose format the newer sinks take as it is.
     void isBlackWithoutAFrame()
     {
