@@ -71,37 +71,6 @@ private Q_SLOTS:
         AWAIT_EQUAL(host.picture(), "YYYY");
     }
 
-    // After a film whose format the newer sinks take as it is.
-    void isBlackWithoutAFrame()
-    {
-        const QTemporaryDir folder(QStringLiteral("/tmp/yv-XXXXXX"));
-        const QByteArray film = folder.filePath(QStringLiteral("a.mkv")).toUtf8();
-        gst_init(nullptr, nullptr);
-        const ObjectRef<GstElement> maker(
-            gst_parse_launch("videotestsrc pattern=red num-buffers=30 ! video/x-raw,format=YV12 ! "
-                             "matroskamux ! filesink name=file",
-                             nullptr));
-        const ObjectRef<GstElement> file(gst_bin_get_by_name(GST_BIN(maker.get()), "file"));
-        g_object_set(file.get(), "location", film.constData(), nullptr);
-        gst_element_set_state(maker.get(), GST_STATE_PLAYING);
-        const ObjectRef<GstBus> bus(gst_element_get_bus(maker.get()));
-        gst_message_unref(gst_bus_timed_pop_filtered(
-            bus.get(), GST_CLOCK_TIME_NONE, GstMessageType(GST_MESSAGE_EOS | GST_MESSAGE_ERROR)));
-        gst_element_set_state(maker.get(), GST_STATE_NULL);
-
-        Host host(Host::Quick);
-        host.open("file://" + film);
-        AWAIT_EQUAL(host.picture(), "RRRR");
-        host.load(media("missing.webm"));
-        AWAIT_EQUAL(host.overlay(), QStringLiteral("Error loading media"));
-        hideAndPark(host);
-        AWAIT_EQUAL(host.picture(), "MMMM");
-        host.control->SysNativeControlShow(1);
-        QWindow *const shown = host.window.get();
-        AWAIT_EQUAL(shown->screen()->grabWindow(shown->winId()).toImage().pixelColor(5, 5),
-                    QColor(Qt::black));
-    }
-
     // decodebin loses the error now and then, so that its bus is emptied here.
     void tellsOfADemuxerThatGaveUp()
     {
