@@ -2,6 +2,7 @@
 
 #include "diagnostics/Trace.h"
 #include "pipeline/streamFilter.h"
+#include "pipeline/videoFilter.h"
 #include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
@@ -35,21 +36,9 @@ void raiseFirst(GstElement *sink)
         gst_element_set_state(sink, GST_STATE_READY);
 }
 
-const char *audioFilterFor(const StreamFormat &stream)
+std::string audioFilterFor(const StreamFormat &stream)
 {
-    return stream.refused ? "audioconvert ! audioresample" : nullptr;
-}
-
-// The picture is turned before anything else is done to it: videoflip takes nearly every format
-// that decoders have, and one that it does not take is converted for it.
-const char *videoFilterFor(const StreamFormat &stream)
-{
-    if (!stream.turned)
-        return stream.refused ? "videoconvert" : nullptr;
-    const GstCapsFeatures *const memory = gst_caps_get_features(stream.format, 0);
-    return gst_caps_features_is_equal(memory, GST_CAPS_FEATURES_MEMORY_SYSTEM_MEMORY)
-        ? "videoconvert ! videoflip name=videoturner ! videoconvert"
-        : "glupload ! glcolorconvert ! glvideoflip name=videoturner";
+    return stream.refused ? "audioconvert ! audioresample" : "";
 }
 
 } // namespace
@@ -69,7 +58,7 @@ Chain videoChainOf(MediaPlayerView *view)
              loadRelaxed(view->videoSink)},
             "video/x-raw",
             "videofilter",
-            "videoturner",
+            videoTurnerName,
             videoFilterFor};
 }
 
