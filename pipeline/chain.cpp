@@ -1,9 +1,9 @@
 #include "pipeline/chain.h"
 
+#include "boundary/AtomicAccess.h"
 #include "diagnostics/Trace.h"
 #include "pipeline/streamFilter.h"
 #include "pipeline/videoFilter.h"
-#include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
 namespace
@@ -25,15 +25,6 @@ void join(GstElement *pipeline, const Chain &chain)
         }
         previous = element;
     }
-}
-
-/// A sink that is raised first tells the elements before it which display and GL context the scene
-/// uses. They would open a display of their own, and the scene shows nothing of what is drawn
-/// there.
-void raiseFirst(GstElement *sink)
-{
-    if (sink && GST_STATE(sink) == GST_STATE_NULL)
-        gst_element_set_state(sink, GST_STATE_READY);
 }
 
 std::string audioFilterFor(const StreamFormat &stream)
@@ -74,7 +65,7 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
     join(pipeline, chain);
     if (GST_PAD_LINK_FAILED(gst_pad_link(stream, entryOf(pipeline, chain).get())))
         traceGlib("  Type is '%s' but link failed.\n", type);
-    raiseFirst(chain.elements.back());
+    Quirks::chainJoined(chain.elements.back());
     if (g_str_has_prefix(type, chain.rawType))
         filterStream(pipeline, chain, stream);
     for (GstElement *element : chain.elements) {

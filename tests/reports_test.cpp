@@ -72,8 +72,8 @@ private Q_SLOTS:
         enableWorkaround = 1;
         QCOMPARE(orderOf(host.record, [&host] { host.registerRecord(); }), "beD");
         enableWorkaround = 0;
-        const std::lock_guard guard(host.view()->lock);
-        QCOMPARE(orderOf(host.record, [&host] { host.view()->handleError(); }), "Edb");
+        QCOMPARE(orderOf(host.record, [&host] { host.view()->mediaFailed(host.view()->pipeline); }),
+                 "Edb");
     }
 };
 

@@ -1,0 +1,93 @@
+#include "pipeline/sequences.h"
+
+#include "boundary/AtomicAccess.h"
+#include "diagnostics/Trace.h"
+#include "pipeline/GstHandle.h"
+
+#include <utility>
+
+namespace
+{
+
+/// NULL flushes the bus. Ends and changes of state go with the run that they belong to, but an
+/// error is news of the media.
+bool holdsError(GstElement *pipeline)
+{
+    const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline));
+    GstMessage *const error = gst_bus_pop_filtered(bus.get(), GST_MESSAGE_ERROR);
+    if (error)
+        gst_message_unref(error);
+    return error;
+}
+
+/// What is on its way from before is not news of the run that begins now.
+void beginRun(MediaPlayerView &view)
+{
+    const Guard guard(view.lock);
+    ++view.shared.generation;
+    view.shared.firstOfRun = gst_util_seqnum_next();
+}
+
+bool awaitsItem(MediaPlayerView &view)
+{
+    const Guard guard(view.lock);
+    return view.shared.awaitsItem;
+}
+
+} // namespace
+
+Turn::Turn(MediaPlayerView &view) : m_view(view)
+{
+    view.sequence.acquire();
+    m_cutsRewind = std::exchange(view.inSequence.rewindCut, false);
+}
+
+Turn::~Turn()
+{
+    const bool failed = takeErrorBeforeNull(m_view);
+    const GstElement *const subject = m_view.pipeline;
+    m_view.sequence.release();
+    if (failed)
+        m_view.mediaFailed(subject);
+}
+
+bool takeErrorBeforeNull(MediaPlayerView &view)
+{
+    return std::exchange(view.inSequence.errorBeforeNull, false);
+}
+
+// GStreamer climbs towards a number beyond its states for ever, with a warning a step. Asked for
+// VOID_PENDING it takes the elements a state down and leaves the pipeline's own as it was.
+bool isStateToGoTo(GstState state)
+{
+    return state >= GST_STATE_NULL && state <= GST_STATE_PLAYING;
+}
+
+GstStateChangeReturn setState(MediaPlayerView &view, GstState state, const GiveUp &giveUp)
+{
+    traceFormat("MediaPlayerView::gstElementSetState: %d\n", int(state));
+    GstElement *const pipeline = loadAcquire(view.pipeline);
+    if (!pipeline || !isStateToGoTo(state))
+        return GST_STATE_CHANGE_FAILURE;
+
+    if (state == GST_STATE_NULL && holdsError(pipeline) && !awaitsItem(view))
+        view.inSequence.errorBeforeNull = true;
+    GstStateChangeReturn result = Quirks::changeState(pipeline, loadRelaxed(view.videoSink), state);
+    if (result != GST_STATE_CHANGE_FAILURE)
+        result = awaitState(pipeline, state, giveUp);
+    if (result == GST_STATE_CHANGE_ASYNC && !(giveUp && giveUp()))
+        Quirks::prerollTimedOut(pipeline);
+    if (state <= GST_STATE_READY)
+        beginRun(view);
+    return result;
+}
+
+bool run(MediaPlayerView &view, std::span<const GstState> states, const GiveUp &giveUp)
+{
+    for (const GstState state : states) {
+        if (giveUp && giveUp())
+            return false;
+        setState(view, state, giveUp);
+    }
+    return !(giveUp && giveUp());
+}
