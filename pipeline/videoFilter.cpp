@@ -52,7 +52,7 @@ std::string videoFilterFor(const StreamFormat &stream)
 {
     const bool viaNV12 = takesNV12(stream.sink) && isNearlyNV12(stream.format);
     const std::string converter =
-        viaNV12 ? "videoconvert ! video/x-raw,format=NV12" : "videoconvert";
+        viaNV12 ? "videoconvert ! capsfilter caps=video/x-raw,format=NV12" : "videoconvert";
     if (!stream.turned)
         return stream.refused || viaNV12 ? converter : std::string();
     const std::string turner = std::string("videoflip name=") + videoTurnerName;
