@@ -42,17 +42,31 @@ GstPadProbeReturn beforeFormat(GstPad *, GstPadProbeInfo *info, gpointer)
     return GST_PAD_PROBE_OK;
 }
 
-/// Shows the frame that the sink has shown last, in a format that is new to the item.
-void showAgain(GstBaseSink *sink)
+void show(GstBaseSink *sink, GstBuffer *frame, const GstCaps *format)
+{
+    GST_BASE_SINK_PREROLL_LOCK(sink);
+    GST_BASE_SINK_GET_CLASS(sink)->set_caps(sink, madeNew(format).get());
+    GST_VIDEO_SINK_GET_CLASS(sink)->show_frame(GST_VIDEO_SINK(sink), frame);
+    GST_BASE_SINK_PREROLL_UNLOCK(sink);
+}
+
+/// Shows the frame again that the sink has shown last, if it still has one.
+bool showAgain(GstBaseSink *sink)
 {
     GstSample *const sample = gst_base_sink_get_last_sample(sink);
     if (!sample)
-        return;
-    GST_BASE_SINK_PREROLL_LOCK(sink);
-    GST_BASE_SINK_GET_CLASS(sink)->set_caps(sink, madeNew(gst_sample_get_caps(sample)).get());
-    GST_VIDEO_SINK_GET_CLASS(sink)->show_frame(GST_VIDEO_SINK(sink), gst_sample_get_buffer(sample));
-    GST_BASE_SINK_PREROLL_UNLOCK(sink);
+        return false;
+    show(sink, gst_sample_get_buffer(sample), gst_sample_get_caps(sample));
     gst_sample_unref(sample);
+    return true;
+}
+
+/// A node that has had no format draws the lack of a frame in one colour or another.
+void showBlack(GstBaseSink *sink)
+{
+    const CapsRef format(gst_caps_from_string("video/x-raw(memory:GLMemory), format=RGB, width=16, "
+                                              "height=16, framerate=0/1, texture-target=2D"));
+    show(sink, nullptr, format.get());
 }
 
 } // namespace
@@ -84,6 +98,12 @@ void NodeFormat::watch(GstElement *videoSink)
 
 void NodeFormat::tellAgain()
 {
+    if (m_sinks.empty())
+        return;
+    bool hasFrame = false;
     for (const auto &sink : m_sinks)
-        showAgain(GST_BASE_SINK(sink.get()));
+        hasFrame |= showAgain(GST_BASE_SINK(sink.get()));
+    const bool hadFormat = static_cast<QQuickItem *>(parent())->implicitWidth() > 0;
+    if (!hasFrame && hadFormat)
+        showBlack(GST_BASE_SINK(m_sinks.back().get()));
 }

@@ -6,7 +6,6 @@
 #include "quirks/ItemContext.h"
 #include "quirks/LostError.h"
 #include "quirks/NodeFormat.h"
-#include "quirks/SinkFirst.h"
 #include "quirks/SinkInReady.h"
 #include "quirks/WindowEntry.h"
 
@@ -37,12 +36,6 @@ GstStateChangeReturn Quirks::changeState(GstElement *pipeline, GstElement *video
 {
     return state == GST_STATE_NULL ? toNullWithoutSink(pipeline, videoSink)
                                    : gst_element_set_state(pipeline, state);
-}
-
-void Quirks::chainJoined(GstElement *sink)
-{
-    if (sink)
-        raiseSinkFirst(sink);
 }
 
 void Quirks::prerollTimedOut(GstElement *pipeline)

@@ -31,10 +31,6 @@ public:
     static GstStateChangeReturn changeState(GstElement *pipeline, GstElement *videoSink,
                                             GstState state);
 
-    /// [streaming] Call when the chain that ends in `sink` has joined the pipeline, before its
-    /// elements follow the pipeline's state. Null is accepted.
-    static void chainJoined(GstElement *sink);
-
     /// [any thread] Call when a preroll did not complete in time. Posts the error that its source
     /// kept to itself, if it did.
     static void prerollTimedOut(GstElement *pipeline);
