@@ -22,6 +22,7 @@ Item {
     }
 
     anchors.fill: parent
+    clip: true // crop margins and rotations overhang
 
     onSurfaceReadyChanged: root.videoSurfaceReadyChanged(root.surfaceReady)
     Component.onDestruction: root.destruct()
