@@ -5,11 +5,13 @@
 namespace
 {
 
-void markPrerolled(MediaPlayerView &view)
+/// A preroll that succeeds has the last word on errors of those before it.
+void markPrerolled(MediaPlayerView &view, bool succeeded)
 {
     {
         const Guard guard(view.lock);
-        view.shared.awaitsItem = false;
+        if (std::exchange(view.shared.awaitsItem, false) || succeeded)
+            view.shared.flushedErrorOf = nullptr;
     }
     for (const auto &built : std::as_const(view.pipelineCache))
         built->prerolled |= built->pipeline == view.pipeline;
@@ -56,6 +58,7 @@ void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
                      Qt::UniqueConnection);
     prerollOnceInitialized(view, item);
     g_object_set(built.videoSink, "widget", item, "force-aspect-ratio", FALSE, nullptr);
+    view.quirks.sinkBound(built.videoSink);
 }
 
 void prerollOnceInitialized(MediaPlayerView &view, const QQuickItem *videoItem)
@@ -68,7 +71,7 @@ void prerollCurrent(MediaPlayerView &view, bool fromSignal)
 {
     const bool keptContext = isInitialized(view.videoItem) && view.quirks.keptContext();
     if (fromSignal && goesOnAsItIs(view, keptContext)) {
-        markPrerolled(view);
+        markPrerolled(view, true);
         view.hideOverlay();
         return;
     }
@@ -78,7 +81,7 @@ void prerollCurrent(MediaPlayerView &view, bool fromSignal)
         return;
     }
     run(view, sequence::prerollOfNew);
-    markPrerolled(view);
+    markPrerolled(view, recordedState(view.pipeline).current == GST_STATE_PAUSED);
     MediaPlayerView::librariesLoaded();
     // Posted within the turn, so that an error which this preroll has left on the bus is shown
     // afterwards, and stays.

@@ -5,6 +5,7 @@
 #include "quirks/HostlessAddress.h"
 #include "quirks/ItemContext.h"
 #include "quirks/LostError.h"
+#include "quirks/NodeFormat.h"
 #include "quirks/SinkFirst.h"
 #include "quirks/SinkInReady.h"
 #include "quirks/WindowEntry.h"
@@ -17,6 +18,13 @@ void Quirks::sceneMade(QQuickItem *videoItem)
     keepCurrentContext(videoItem);
     enterWindowsWithoutJobs(videoItem);
     m_itemContext = new ItemContext(videoItem);
+    m_nodeFormat = new NodeFormat(videoItem);
+}
+
+void Quirks::sinkBound(GstElement *videoSink)
+{
+    if (m_nodeFormat)
+        m_nodeFormat->watch(videoSink);
 }
 
 bool Quirks::keptContext()

@@ -6,6 +6,7 @@
 #include <QtCore/QPointer>
 
 class ItemContext;
+class NodeFormat;
 class QQuickItem;
 
 /// What a view needs so that faults of the platform do not reach its host: its one way to the
@@ -15,6 +16,9 @@ class Quirks
 public:
     /// [gui] The scene has just been made; its video item has not been in a window yet.
     void sceneMade(QQuickItem *videoItem);
+
+    /// [gui] The sink has been given the video item.
+    void sinkBound(GstElement *videoSink);
 
     /// [gui] For the slot that hears that the video item is initialised: whether the item still
     /// uses the GL context that it used at the last call. False at the first one.
@@ -44,7 +48,9 @@ public:
     static void pipelineBuilt(GstElement *source, const char *uri);
 
 private:
-    QPointer<ItemContext> m_itemContext; // the video item's child
+    // The video item's children.
+    QPointer<ItemContext> m_itemContext;
+    QPointer<NodeFormat> m_nodeFormat;
 };
 
 #endif
