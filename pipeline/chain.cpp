@@ -3,6 +3,7 @@
 #include "boundary/AtomicAccess.h"
 #include "diagnostics/Trace.h"
 #include "pipeline/streamFilter.h"
+#include "pipeline/videoFilter.h"
 #include "view/MediaPlayerView.h"
 
 namespace
@@ -26,21 +27,9 @@ void join(GstElement *pipeline, const Chain &chain)
     }
 }
 
-const char *audioFilterFor(const StreamFormat &stream)
+std::string audioFilterFor(const StreamFormat &stream)
 {
-    return stream.refused ? "audioconvert ! audioresample" : nullptr;
-}
-
-// The picture is turned before anything else is done to it: videoflip takes nearly every format
-// that decoders have, and one that it does not take is converted for it.
-const char *videoFilterFor(const StreamFormat &stream)
-{
-    if (!stream.turned)
-        return stream.refused ? "videoconvert" : nullptr;
-    const GstCapsFeatures *const memory = gst_caps_get_features(stream.format, 0);
-    return gst_caps_features_is_equal(memory, GST_CAPS_FEATURES_MEMORY_SYSTEM_MEMORY)
-        ? "videoconvert ! videoflip name=videoturner ! videoconvert"
-        : "glupload ! glcolorconvert ! glvideoflip name=videoturner";
+    return stream.refused ? "audioconvert ! audioresample" : "";
 }
 
 } // namespace
@@ -60,7 +49,7 @@ Chain videoChainOf(MediaPlayerView *view)
              loadRelaxed(view->videoSink)},
             "video/x-raw",
             "videofilter",
-            "videoturner",
+            videoTurnerName,
             videoFilterFor};
 }
 
@@ -76,8 +65,8 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
     join(pipeline, chain);
     if (GST_PAD_LINK_FAILED(gst_pad_link(stream, entryOf(pipeline, chain).get())))
         traceGlib("  Type is '%s' but link failed.\n", type);
-    // The sink first: an element that goes to READY asks those behind it for the scene's display and
-    // GL context. Without an answer it opens a display of its own, whose pictures stay black.
+    // The sink first: an element that goes to READY asks those behind it for the scene's display
+    // and GL context. Without an answer it opens a display of its own, whose pictures stay black.
     if (GstElement *const sink = chain.elements.back())
         gst_element_sync_state_with_parent(sink);
     if (g_str_has_prefix(type, chain.rawType))

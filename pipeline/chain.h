@@ -4,12 +4,14 @@
 #include <gst/gst.h>
 
 #include <array>
+#include <string>
 
 class MediaPlayerView;
 
 /// What a chain is asked about.
 struct StreamFormat {
     GstCaps *format;
+    GstElement *sink; ///< the chain's
     bool refused; ///< by the chain as it stands
     bool turned; ///< the picture does not stand upright, as its tags say
 };
@@ -22,9 +24,8 @@ struct Chain {
     const char *filterName; ///< in the pipeline, while it is there
     const char *turnerName; ///< of the filter's element that turns pictures
 
-    /// What has to go in front of the chain, as a pipeline description that lives for ever; null
-    /// for nothing.
-    const char *(*filterFor)(const StreamFormat &);
+    /// What has to go in front of the chain, as a pipeline description; empty for nothing.
+    std::string (*filterFor)(const StreamFormat &);
 };
 
 // All of this runs on the streaming threads of `pipeline` and takes no lock: a state change of the

@@ -17,10 +17,10 @@ ObjectRef<GstElement> elementIn(GstElement *pipeline, const char *name)
     return ObjectRef<GstElement>(gst_bin_get_by_name(GST_BIN(pipeline), name));
 }
 
-bool putFilterIn(GstElement *pipeline, const Chain &chain, const char *description)
+bool putFilterIn(GstElement *pipeline, const Chain &chain, const std::string &description)
 {
     GstElement *const filter = gst_parse_bin_from_description_full(
-        description, true, nullptr, GST_PARSE_FLAG_FATAL_ERRORS, nullptr);
+        description.c_str(), true, nullptr, GST_PARSE_FLAG_FATAL_ERRORS, nullptr);
     if (!filter)
         return false;
     gst_object_set_name(GST_OBJECT(filter), chain.filterName);
@@ -85,9 +85,9 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
     GstElement *const first = chain.elements.front();
     const auto own = sinkPadOf(first);
     const CapsRef taken(gst_pad_query_caps(own.get(), format));
-    const char *const needed =
-        chain.filterFor({format, bool(gst_caps_is_empty(taken.get())), turned});
-    if (!needed)
+    const std::string needed = chain.filterFor(
+        {format, chain.elements.back(), bool(gst_caps_is_empty(taken.get())), turned});
+    if (needed.empty())
         return;
     gst_pad_unlink(stream, entryOf(pipeline, chain).get());
     takeFilterOut(pipeline, chain);
