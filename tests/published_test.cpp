@@ -140,7 +140,7 @@ private Q_SLOTS:
         Captured errors(STDERR_FILENO);
         Host host(Host::Quick);
         openAndPlay(host);
-        std::jthread storm([pipeline = host.view()->pipeline](std::stop_token ended) {
+        std::jthread storm([pipeline = host.view()->pipeline](const std::stop_token &ended) {
             for (; !ended.stop_requested();
                  std::this_thread::sleep_for(std::chrono::milliseconds(1)))
                 postElementMessage(pipeline);
