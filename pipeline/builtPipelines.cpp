@@ -19,6 +19,7 @@ void makeCurrent(MediaPlayerView &view, const MediaPlayerView::PipelineCtx &buil
     const Guard guard(view.lock);
     ++view.shared.generation;
     view.shared.awaitsItem = false;
+    view.shared.flushedErrorOf = nullptr;
     storeRelaxed(view.source, built.source);
     storeRelaxed(view.videoSink, built.videoSink);
     storeRelaxed(view.glUpload, built.glUpload);

@@ -65,7 +65,10 @@ void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const 
     join(pipeline, chain);
     if (GST_PAD_LINK_FAILED(gst_pad_link(stream, entryOf(pipeline, chain).get())))
         traceGlib("  Type is '%s' but link failed.\n", type);
-    Quirks::chainJoined(chain.elements.back());
+    // The sink first: an element that goes to READY asks those behind it for the scene's display
+    // and GL context. Without an answer it opens a display of its own, whose pictures stay black.
+    if (GstElement *const sink = chain.elements.back())
+        gst_element_sync_state_with_parent(sink);
     if (g_str_has_prefix(type, chain.rawType))
         filterStream(pipeline, chain, stream);
     for (GstElement *element : chain.elements) {

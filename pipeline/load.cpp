@@ -80,7 +80,7 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
 {
     traceLine("MP: found entry in map");
     // A picture that has never been shown cannot take frames before its item can.
-    const bool awaitsItem = built.videoSink && !built.prerolled && !isInitialized(built.videoItem);
+    const bool awaitsItem = built.videoSink && !built.prerolled && !view.quirks.isItemInitialized();
     const Turn turn(view);
     retireCurrent(view);
     makeCurrent(view, built);
@@ -93,7 +93,7 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
     storeRelease(view.pipelineActive, true);
     traceLine("MP: done");
     if (built.videoSink && !built.prerolled)
-        prerollOnceInitialized(view, built.videoItem);
+        prerollOnceInitialized(view);
     return true;
 }
 

@@ -5,7 +5,7 @@
 #include "quirks/HostlessAddress.h"
 #include "quirks/ItemContext.h"
 #include "quirks/LostError.h"
-#include "quirks/SinkFirst.h"
+#include "quirks/NodeFormat.h"
 #include "quirks/SinkInReady.h"
 #include "quirks/WindowEntry.h"
 
@@ -15,8 +15,20 @@
 void Quirks::sceneMade(QQuickItem *videoItem)
 {
     keepCurrentContext(videoItem);
-    enterWindowsWithoutJobs(videoItem);
+    m_windowEntry = new WindowEntry(videoItem);
     m_itemContext = new ItemContext(videoItem);
+    m_nodeFormat = new NodeFormat(videoItem);
+}
+
+void Quirks::sinkBound(GstElement *videoSink)
+{
+    if (m_nodeFormat)
+        m_nodeFormat->watch(videoSink);
+}
+
+bool Quirks::isItemInitialized() const
+{
+    return m_windowEntry && m_windowEntry->isInitialized();
 }
 
 bool Quirks::keptContext()
@@ -29,12 +41,6 @@ GstStateChangeReturn Quirks::changeState(GstElement *pipeline, GstElement *video
 {
     return state == GST_STATE_NULL ? toNullWithoutSink(pipeline, videoSink)
                                    : gst_element_set_state(pipeline, state);
-}
-
-void Quirks::chainJoined(GstElement *sink)
-{
-    if (sink)
-        raiseSinkFirst(sink);
 }
 
 void Quirks::prerollTimedOut(GstElement *pipeline)

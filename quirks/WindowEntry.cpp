@@ -1,63 +1,67 @@
 #include "quirks/WindowEntry.h"
 
 #include <QtCore/QMetaMethod>
-#include <QtCore/QPointer>
 #include <QtQuick/QQuickItem>
-#include <QtQuick/QQuickWindow>
 
 namespace
 {
+
+constexpr char windowChanged[] = "handleWindowChanged(QQuickWindow*)";
+constexpr char initialized[] = "onSceneGraphInitialized()";
+constexpr char invalidated[] = "onSceneGraphInvalidated()";
 
 QMetaMethod slotOf(const QObject *item, const char *signature)
 {
     return item->metaObject()->method(item->metaObject()->indexOfSlot(signature));
 }
 
-QMetaMethod windowChangedSlot(const QObject *item)
+bool hasSlots(const QObject *item)
 {
-    return slotOf(item, "handleWindowChanged(QQuickWindow*)");
-}
-
-QMetaMethod initializedSlot(const QObject *item)
-{
-    return slotOf(item, "onSceneGraphInitialized()");
-}
-
-QMetaMethod invalidatedSlot(const QObject *item)
-{
-    return slotOf(item, "onSceneGraphInvalidated()");
-}
-
-/// Does what the item's own slot does, but for the job. The item forgets its GL context where it
-/// leaves, and looks at the window's before each frame. It does nothing about one that it knows.
-void enter(QQuickItem *item, QQuickWindow *window, QPointer<QQuickWindow> &previous)
-{
-    if (previous)
-        QObject::disconnect(previous, nullptr, item, nullptr);
-    previous = window;
-    if (!window) {
-        if (const QMetaMethod slot = windowChangedSlot(item); slot.isValid()) // not a dying item's
-            slot.invoke(item, Qt::DirectConnection, Q_ARG(QQuickWindow *, nullptr));
-        return;
-    }
-    const auto connectTo = [&](auto signal, const QMetaMethod &slot) {
-        QObject::connect(window, QMetaMethod::fromSignal(signal), item, slot, Qt::DirectConnection);
-    };
-    connectTo(&QQuickWindow::beforeSynchronizing, initializedSlot(item));
-    connectTo(&QQuickWindow::sceneGraphInvalidated, invalidatedSlot(item));
+    return slotOf(item, windowChanged).isValid() && slotOf(item, initialized).isValid()
+        && slotOf(item, invalidated).isValid();
 }
 
 } // namespace
 
-void enterWindowsWithoutJobs(QQuickItem *item)
+WindowEntry::WindowEntry(QQuickItem *item) : QObject(item)
 {
-    if (!initializedSlot(item).isValid() || !invalidatedSlot(item).isValid()
-        || !windowChangedSlot(item).isValid()
-        || !QObject::disconnect(item, QMetaMethod::fromSignal(&QQuickItem::windowChanged), item,
-                                windowChangedSlot(item)))
+    if (hasSlots(item)
+        && disconnect(item, QMetaMethod::fromSignal(&QQuickItem::windowChanged), item,
+                      slotOf(item, windowChanged)))
+        connect(item, &QQuickItem::windowChanged, this, &WindowEntry::enter);
+}
+
+bool WindowEntry::isInitialized() const
+{
+    const auto *item = static_cast<const QQuickItem *>(parent());
+    return item->window() && !m_entering && item->property("itemInitialized").toBool();
+}
+
+void WindowEntry::enter(QQuickWindow *window)
+{
+    QObject *const item = parent();
+    if (m_window) {
+        disconnect(m_window, nullptr, this, nullptr);
+        disconnect(m_window, QMetaMethod::fromSignal(&QQuickWindow::sceneGraphInvalidated), item,
+                   slotOf(item, invalidated));
+    }
+    m_window = window;
+    if (!window)
         return;
-    QObject::connect(item, &QQuickItem::windowChanged, item,
-                     [item, previous = QPointer<QQuickWindow>()](QQuickWindow *window) mutable {
-                         enter(item, window, previous);
-                     });
+    m_entering = true;
+    connect(window, &QQuickWindow::beforeSynchronizing, this, &WindowEntry::beforeFrame,
+            Qt::DirectConnection);
+    connect(window, QMetaMethod::fromSignal(&QQuickWindow::sceneGraphInvalidated), item,
+            slotOf(item, invalidated), Qt::DirectConnection);
+}
+
+// The item does nothing about a GL context that it knows. Told that it has left its window it knows
+// none, and reports that it is initialised.
+void WindowEntry::beforeFrame()
+{
+    QObject *const item = parent();
+    if (m_entering.exchange(false))
+        slotOf(item, windowChanged)
+            .invoke(item, Qt::DirectConnection, Q_ARG(QQuickWindow *, nullptr));
+    slotOf(item, initialized).invoke(item, Qt::DirectConnection);
 }

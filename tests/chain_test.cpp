@@ -201,7 +201,7 @@ private Q_SLOTS:
             return qAbs(seen.red() - teal.red()) <= 4 && qAbs(seen.green() - teal.green()) <= 4
                 && qAbs(seen.blue() - teal.blue()) <= 4;
         };
-        QTRY_VERIFY2_WITH_TIMEOUT(isNear(), qPrintable(seen.name()), patience);
+        AWAIT_OR_SAY(isNear(), qPrintable(seen.name()));
         if (host.sinkTakesYuv() && !format.startsWith("Y42B")) {
             const ObjectRef<GstPad> entry(
                 gst_element_get_static_pad(host.view()->videoSink, "sink"));

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <thread>
 
 namespace
@@ -230,6 +231,11 @@ std::uint32_t generationOf(MediaPlayerView *view)
 {
     const Guard guard(view->lock);
     return view->shared.generation;
+}
+
+qint64 entriesOf(const char *folder)
+{
+    return std::distance(std::filesystem::directory_iterator(folder), {});
 }
 
 bool blockUntil(const std::function<bool()> &condition)

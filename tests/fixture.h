@@ -101,6 +101,9 @@ QByteArray media(const char *name);
 /// every switch.
 std::uint32_t generationOf(MediaPlayerView *view);
 
+/// How many entries a folder has: /proc/self/fd and /proc/self/task tell what a process holds.
+qint64 entriesOf(const char *folder);
+
 /// Keeps the GUI thread from its event loop until the condition is true, or gives up.
 bool blockUntil(const std::function<bool()> &condition);
 

@@ -5,7 +5,6 @@
 
 #include <csignal>
 #include <cstdarg>
-#include <filesystem>
 
 namespace
 {
@@ -14,11 +13,6 @@ namespace
 std::array<char[160], 100> lines;
 std::size_t lineCount = 0;
 unsigned seedOfAll = 0;
-
-qint64 entriesOf(const char *folder)
-{
-    return std::distance(std::filesystem::directory_iterator(folder), {});
-}
 
 unsigned liveGstObjects()
 {

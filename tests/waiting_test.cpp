@@ -70,21 +70,15 @@ private Q_SLOTS:
     {
         using Step = void (*)(Host &);
         QTest::addColumn<Step>("step");
-        QTest::newRow("report") << Step([](Host &host) {
-            host.raise(MediaPlayerCommandVolume);
-            host.view()->updateValues();
-        });
-        QTest::newRow("parking") << Step([](Host &host) { host.control->saveObject(); });
-        QTest::newRow("control's end") << Step([](Host &host) { host.destroyControl(); });
-        QTest::newRow("view's end") << Step([](Host &host) {
-            host.widget.reset();
-            delete host.view();
-        });
-        QTest::newRow("another file") << Step([](Host &host) {
-            host.setFileName(media("tone.flac") + '\0');
-            host.raise(MediaPlayerCommandLoad);
-            host.view()->updateValues();
-        });
+        const std::pair<const char *, Step> rows[] = {
+            {"report", [](Host &host) { runAtOnce(host, MediaPlayerCommandVolume); }},
+            {"parking", [](Host &host) { host.control->saveObject(); }},
+            {"control's end", [](Host &host) { host.destroyControl(); }},
+            {"view's end", [](Host &host) { delete host.view(); }},
+            {"another file", [](Host &host) { loadAtOnce(host, "tone.flac"); }},
+        };
+        for (const auto &[name, step] : rows)
+            QTest::newRow(name) << step;
     }
     void aRewindHoldsNobodyUp()
     {

@@ -147,8 +147,7 @@ Answer carryOut(MediaPlayerView &view, std::int32_t command, const Record &recor
     return Answer::Done; // an unknown code
 }
 
-/// True when a media error came up meanwhile.
-bool answerCommand(MediaPlayerView &view, Answer answer)
+void answerCommand(MediaPlayerView &view, Answer answer)
 {
     const Guard guard(view.lock);
     view.shared.commandRunning = false;
@@ -157,7 +156,6 @@ bool answerCommand(MediaPlayerView &view, Answer answer)
             record.answerCommand(answer == Answer::Done);
         record.lowerExecute();
     }
-    return std::exchange(view.shared.errorAfterCommand, false);
 }
 
 } // namespace
@@ -184,7 +182,6 @@ bool carryOutCommand(MediaPlayerView &view)
     const Answer answer = carryOut(view, command, record);
     if (!self)
         return false;
-    if (answerCommand(view, answer))
-        view.mediaFailed(view.pipeline);
+    answerCommand(view, answer);
     return true;
 }

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace
 {
@@ -58,7 +59,7 @@ void rewind(MediaPlayerView &view, const GstElement *current) REQUIRES(view.sequ
         return view.sequence.isAwaited() || !loadAcquire(view.pipelineActive);
     };
     if (!run(view, sequence::endOfStream, isOvertakenBy)) {
-        view.inSequence.rewindCut = true;
+        view.rewindCut = true;
         return;
     }
     const Guard guard(view.lock);
@@ -101,6 +102,10 @@ Taken take(MediaPlayerView &view, GstElement *current, GstBus *bus) REQUIRES(vie
         return {Heard::OtherPipeline, nullptr};
     if (view.shared.commandRunning)
         return {Heard::NotItsTurn, nullptr};
+    if (std::exchange(view.shared.flushedErrorOf, nullptr) == current) {
+        answerError(view, current);
+        return {Heard::Message, nullptr};
+    }
     MessageRef message(gst_bus_pop_filtered(bus, handledMessages));
     if (!message)
         return {Heard::Nothing, nullptr};
@@ -134,10 +139,7 @@ void act(MediaPlayerView &view, GstElement *current, GstMessage *message) RELEAS
 {
     if (message && GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS)
         rewind(view, current);
-    const bool failed = takeErrorBeforeNull(view);
     view.sequence.release();
-    if (failed)
-        view.mediaFailed(current);
     if (message && current)
         tell(current, message);
 }
@@ -169,15 +171,4 @@ void MediaPlayerView::handle_message(GstMessage *message)
         note(*this, current, message);
     }
     act(*this, current, message);
-}
-
-void MediaPlayerView::mediaFailed(const GstElement *subject)
-{
-    const Guard guard(lock);
-    if (!listensTo(*this, subject))
-        return;
-    if (shared.commandRunning)
-        shared.errorAfterCommand = true;
-    else
-        answerError(*this, subject);
 }

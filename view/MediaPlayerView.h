@@ -100,9 +100,6 @@ public:
     /// Sizes and seats the video item by the crop margins. Can run the host's code.
     void placeVideoItem() EXCLUDES(sequence, lock);
 
-    /// [any] An error of `subject`: answers and shows it, unless another pipeline is current.
-    void mediaFailed(const GstElement *subject) EXCLUDES(lock);
-
     // The order of the signals and slots is the order of the meta-object's methods.
 Q_SIGNALS:
     void destruct();
@@ -182,7 +179,9 @@ public:
     SequenceLock sequence ACQUIRED_BEFORE(lock);
 
     RunMarks shared GUARDED_BY(lock);
-    TurnMarks inSequence GUARDED_BY(sequence);
+
+    /// A rewind at the end of the stream was given up half way; the next turn knows.
+    bool rewindCut GUARDED_BY(sequence) = false;
 
     /// An updateValues() that the update thread queued has not finished. Written like
     /// invokePending.
