@@ -13,6 +13,7 @@ OURS_AND_BARE = OURS, BARE = "plug-in", "bare pipeline"
 QT = ("Qt, GStreamer", "Qt, FFmpeg")
 COUNTS = (1, 2, 4, 8, 16, 32)
 FILES = (1, 10, 100, 300)
+RETURNS = "load returns"
 # How long an operation may hold the GUI thread, as documented, in seconds: one for each state
 # change that it waits for.
 BOUNDS = {"register": 3, "0 load, new video": 4, "0 load, cached": 2, "0 load, refused": 1,
@@ -116,13 +117,15 @@ def timeline(_, results):
                 order.setdefault(stage, time)
         table = Table(f"{what}: ms after the question", *(f"{name}, {size}p"
                                                          for size, name in columns))
-        before = dict.fromkeys(columns, 0)
         for stage in sorted(order, key=order.get):
             cells = []
             for column in columns:
                 time = ended[column].get(stage)
-                cells.append("" if time is None else f"{time:.1f} ({time - before[column]:+.1f})")
-                before[column] = before[column] if time is None else time
+                # That the call returns is no stage: a subject may go on behind it.
+                before = [other for name, other in ended[column].items()
+                          if name != RETURNS and time is not None and other < time]
+                cells.append("" if time is None else f"{time:.1f}" if stage == RETURNS
+                             else f"{time:.1f} ({time - max(before, default=0):+.1f})")
             table.row(stage, *cells)
         if columns:
             parts.append(str(table))
