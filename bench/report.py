@@ -94,7 +94,8 @@ def loads(systems):
                 qt = ours / better_qt(results, measure, key)
                 limits = load_goals(key, size, about)
                 cells.append(f"{bare:.2f} x bare, {qt:.2f} x Qt; goals {limits[0]}, {limits[1]}: "
-                             + verdict(bare <= limits[0] and qt <= limits[1]))
+                             + ("not measured" if math.isnan(qt) else
+                                verdict(bare <= limits[0] and qt <= limits[1])))
             table.row(f"{what}, {size}p", *cells)
     polled = [f"on {system} " + ", ".join(
         f"{median(results, f'loads {size}', OURS, 'polled'):.0f} ms at {size}p"
