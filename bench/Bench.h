@@ -52,6 +52,7 @@ int descriptorCount();
 
 // Each takes the stage and answers with its figures. Times are milliseconds.
 QJsonObject measureLoads(Stage &stage);
+QJsonObject measureTimeline(Stage &stage);
 QJsonObject measurePlaying(Stage &stage);
 QJsonObject measureMemory(Stage &stage);
 QJsonObject measureCache(Stage &stage);

@@ -21,6 +21,7 @@ int main(int argc, char **argv)
 
     const QHash<QString, QJsonObject (*)(Stage &)> measures {
         {QStringLiteral("loads"), measureLoads},
+        {QStringLiteral("timeline"), measureTimeline},
         {QStringLiteral("playing"), measurePlaying},
         {QStringLiteral("memory"), measureMemory},
         {QStringLiteral("cache"), measureCache},

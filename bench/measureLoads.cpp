@@ -1,6 +1,7 @@
 // Loading files: how long until the picture is there, and what a loaded file costs.
 
 #include "Bench.h"
+#include "Timeline.h"
 #include "pluginSubject.h"
 
 namespace
@@ -17,12 +18,15 @@ QString numbered(const QString &kind, int number)
     return QStringLiteral("%1-%2.mkv").arg(kind).arg(number);
 }
 
-double timeToOpen(Stage &stage, Subject &subject, const QString &kind, int number)
+double timeToOpen(Stage &stage, Subject &subject, const QString &kind, int number,
+                  const std::function<void()> &returned = {})
 {
     const QString uri = stage.file(numbered(kind, number));
     const QPoint inMarker = QPoint(20, 20);
     const auto start = Clock::now();
     subject.open(uri);
+    if (returned) // in the order of the event loop, in which the plug-in is asked as well
+        QMetaObject::invokeMethod(&stage.window, returned, Qt::QueuedConnection);
     const double time = stage.screen.awaitColour(inMarker, colourOf(number), start);
     rest(0.1);
     return time;
@@ -60,6 +64,43 @@ QJsonObject measureLoads(Stage &stage)
     return {{QStringLiteral("new"), fresh},
             {QStringLiteral("back"), back},
             {QStringLiteral("polled"), polled}};
+}
+
+/// Where the time of a load goes: for each stage the milliseconds from the question to its end, a
+/// list a stage, of "back" and of "new" loads. Every one from a rest, as a viewer asks.
+QJsonObject measureTimeline(Stage &stage)
+{
+    const QString kind = QString::number(stage.setup.size);
+    Timeline timeline(&stage.window);
+    const auto subject = stage.addSubject();
+    const auto times = [&](const QList<int> &numbers) {
+        QJsonObject stages;
+        for (const int number : numbers) {
+            timeline.start();
+            const auto start = Clock::now();
+            const double shown = timeToOpen(stage, *subject, kind, number,
+                                            [&] { timeline.note(Timeline::loadReturns); });
+            const auto end = start
+                + std::chrono::duration_cast<Clock::duration>(
+                                 std::chrono::duration<double, std::milli>(shown));
+            for (const auto &[name, time] : timeline.stop(end)) {
+                QJsonArray list = stages[name].toArray();
+                list.append(std::chrono::duration<double, std::milli>(time - start).count());
+                stages[name] = list;
+            }
+        }
+        return stages;
+    };
+    for (int i = 0; i < 2; ++i)
+        timeToOpen(stage, *subject, kind, i);
+    QList<int> fresh;
+    QList<int> back;
+    for (int i = 2; i < 2 + stage.setup.rounds; ++i)
+        fresh.append(i);
+    for (int i = 0; i < 2 * stage.setup.rounds; ++i)
+        back.append((stage.setup.rounds + i) % 2);
+    const QJsonObject newOnes = times(fresh);
+    return {{QStringLiteral("new"), newOnes}, {QStringLiteral("back"), times(back)}};
 }
 
 /// Processor seconds per second while playing, less what the process took before.

@@ -61,7 +61,7 @@ bool isFree(GstElement *pipeline, const Chain &chain)
 
 void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const char *type)
 {
-    takeFilterOut(pipeline, chain);
+    takeFilterOutUnlessFor(stream, pipeline, chain);
     join(pipeline, chain);
     if (GST_PAD_LINK_FAILED(gst_pad_link(stream, entryOf(pipeline, chain).get())))
         traceGlib("  Type is '%s' but link failed.\n", type);

@@ -88,6 +88,10 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
         const Guard guard(view.lock);
         view.shared.awaitsItem = true;
     }
+    // A window draws some milliseconds after it has been asked to. Asked now, it draws the first
+    // frame as soon as the wait for it is over.
+    if (view.videoItem)
+        view.videoItem->update();
     setState(view, GST_STATE_PAUSED);
     view.hideOverlay();
     storeRelease(view.pipelineActive, true);

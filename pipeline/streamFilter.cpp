@@ -17,6 +17,9 @@ ObjectRef<GstElement> elementIn(GstElement *pipeline, const char *name)
     return ObjectRef<GstElement>(gst_bin_get_by_name(GST_BIN(pipeline), name));
 }
 
+/// Under this name a filter keeps the format that it was made for.
+constexpr char madeFor[] = "made-for";
+
 bool putFilterIn(GstElement *pipeline, const Chain &chain, const std::string &description)
 {
     GstElement *const filter = gst_parse_bin_from_description_full(
@@ -25,7 +28,9 @@ bool putFilterIn(GstElement *pipeline, const Chain &chain, const std::string &de
         return false;
     gst_object_set_name(GST_OBJECT(filter), chain.filterName);
     gst_bin_add(GST_BIN(pipeline), filter);
-    return gst_element_link(filter, chain.elements.front())
+    // Whether the stream fits is asked when it is linked: that question goes through the filter.
+    return gst_element_link_pads_full(filter, "src", chain.elements.front(), "sink",
+                                      GST_PAD_LINK_CHECK_NOTHING)
         && gst_element_sync_state_with_parent(filter);
 }
 
@@ -97,6 +102,10 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
     if (!putFilterIn(pipeline, chain, needed) || !linked(stream, entryOf(pipeline, chain))) {
         takeFilterOut(pipeline, chain);
         linked(stream, own);
+    } else if (!turned) {
+        g_object_set_data_full(G_OBJECT(elementIn(pipeline, chain.filterName).get()), madeFor,
+                               gst_caps_ref(format),
+                               [](gpointer caps) { gst_caps_unref(GST_CAPS(caps)); });
     }
     tellTurner();
     gst_element_sync_state_with_parent(first);
@@ -173,6 +182,15 @@ void filterStream(GstElement *pipeline, const Chain &chain, GstPad *stream)
         deepest = std::move(next);
     adjust(pipeline, chain, stream, deepest.get(), News::Format, format.get());
     watch(pipeline, chain, stream);
+}
+
+void takeFilterOutUnlessFor(GstPad *stream, GstElement *pipeline, const Chain &chain)
+{
+    const auto filter = elementIn(pipeline, chain.filterName);
+    void *const kept = filter ? g_object_get_data(G_OBJECT(filter.get()), madeFor) : nullptr;
+    const CapsRef format(gst_pad_get_current_caps(stream));
+    if (!kept || !format || !gst_caps_is_equal(format.get(), GST_CAPS(kept)))
+        takeFilterOut(pipeline, chain);
 }
 
 void takeFilterOut(GstElement *pipeline, const Chain &chain)

@@ -17,6 +17,10 @@ void filterStream(GstElement *pipeline, const Chain &chain, GstPad *stream);
 
 void takeFilterOut(GstElement *pipeline, const Chain &chain);
 
+/// A return to a film brings its format again, and what was made for that is kept. What turns the
+/// picture is not: it is told anew by the tags.
+void takeFilterOutUnlessFor(GstPad *stream, GstElement *pipeline, const Chain &chain);
+
 /// Takes an element out with its links. It stays locked while it is outside, so that a state
 /// change of the pipeline that has just met it cannot raise it again.
 void takeOut(GstElement *pipeline, GstElement *element);
