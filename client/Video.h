@@ -16,11 +16,14 @@ class MEDIAPLAYER_CLIENT QmlPlayer : public Player
 {
     Q_OBJECT
     QML_NAMED_ELEMENT(Player)
-    Q_PROPERTY(QUrl source READ source WRITE setRelativeSource NOTIFY sourceChanged)
+    Q_PROPERTY(QUrl source READ source WRITE setRelativeSource NOTIFY relativeSourceChanged)
 
 public:
-    using Player::Player;
+    explicit QmlPlayer(QObject *parent = nullptr);
     void setRelativeSource(const QUrl &source);
+
+Q_SIGNALS:
+    void relativeSourceChanged(); ///< sourceChanged(), in the class that moc wants it in
 };
 
 /// The QML type Video: an item that shows a player, one of its own, which ends with it, or the one
