@@ -1,9 +1,11 @@
 #include "boundary/MediaPlayerControl.h"
 
-#include "boundary/MediaPlayerParams.h"
+#include "boundary/AtomicAccess.h"
+#include "boundary/Record.h"
 #include "diagnostics/Trace.h"
-#include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
+#include "view/liveViews.h"
+#include "view/placement.h"
 #include "view/scene.h"
 
 #include <QtQuick/QQuickWindow>
@@ -53,31 +55,40 @@ MediaPlayerControl::MediaPlayerControl(QQuickWindow *hostWindow, QQuickItem *hos
     traceLine("MediaPlayerControl::MediaPlayerControl QML");
 }
 
+// The widget goes with its control. A picture in it that belongs to a newer control is parked, and
+// that control's next showing brings it back. With enableWorkaround the widget stays alive, since
+// the picture may still be in it.
 MediaPlayerControl::~MediaPlayerControl()
 {
     traceLine("MediaPlayerControl::~MediaPlayerControl");
     if (!quickWidget)
         return;
-    if (!switchedOn(enableWorkaround)) {
-        quickWidget->deleteLater();
+    if (switchedOn(enableWorkaround)) {
         if (view)
-            view->endLater();
-    } else if (view) {
-        view->widgetsLeftBehind.append(quickWidget);
+            leaveWidgetBehind(*view, quickWidget);
+        return;
     }
+    quickWidget->deleteLater();
+    if (view && view->life.control == this)
+        view->scheduleDeletion();
+    else if (view && isShownBy(*view, quickWidget))
+        view->saveObject();
 }
 
+// Showing a widget can run the host's code, as in an event filter.
 int MediaPlayerControl::SysNativeControlShow(int show)
 {
     traceFormat("MediaPlayerControl::SysNativeControlShow: %d\n", show);
     const bool wanted = show == 1;
-    if (quickWidget && wanted) {
-        quickWidget->show();
-        MediaPlayerView *const named = view && view->params ? view->params->view : nullptr;
-        if (MediaPlayerView::isUsable(named))
+    const QPointer<MediaPlayerControl> self(this);
+    if (quickWidget)
+        quickWidget->setVisible(wanted);
+    if (!self)
+        return 1;
+    if (quickWidget && wanted && view && view->params) {
+        MediaPlayerView *const named = Record(view->params).view();
+        if (isLive(named))
             named->parentItem = quickWidget->rootObject();
-    } else if (quickWidget) {
-        quickWidget->hide();
     }
     if (view) {
         storeRelaxed(view->restoreRequested, wanted);
@@ -106,42 +117,67 @@ int MediaPlayerControl::SysNativeControlSetSettings(char *key, void *value)
     traceLine("MediaPlayerControl::SysNativeControlSetSettings");
     if (!key || std::strcmp(key, registerKey) != 0 || !value)
         return 1;
-
     auto *block = static_cast<MediaPlayerParams *>(value);
-    // A view that is ending serves no record any more; it leaves the field alone when it goes.
-    if (MediaPlayerView::isUsable(block->view)) {
-        view = block->view;
-        view->updateReferences(window, parentItem, nullptr);
-    } else {
-        view = new MediaPlayerView(window, parentItem, nullptr);
-        storeRelaxed(block->view, view.data());
-    }
+    if (!takeOverView(block) && !makeView(block))
+        return 1;
     if (!view)
         return 1;
-    view->bound = true;
-    storeRelease(view->params, block);
+    view->bind(this, block);
     connect(view, SIGNAL(destruct()), this, SLOT(onDestruct()));
     if (!view->source)
         view->loadFile();
     return 1;
 }
 
+bool MediaPlayerControl::takeOverView(MediaPlayerParams *block)
+{
+    MediaPlayerView *const serving = Record(block).view();
+    if (!isLive(serving) || serving->life.deletionScheduled)
+        return false;
+    view = serving;
+    view->updateReferences(window, parentItem, nullptr);
+    return true;
+}
+
+// The picture joins the host's item while the view is made, and the host's code that hears of it
+// may destroy this control. A view that is about to be deleted serves the record until then.
+bool MediaPlayerControl::makeView(MediaPlayerParams *block)
+{
+    const QPointer<MediaPlayerControl> self(this);
+    const QPointer<MediaPlayerView> made(new MediaPlayerView(window, parentItem, nullptr));
+    if (!self) {
+        delete made.data();
+        return false;
+    }
+    const Record record(block);
+    if (MediaPlayerView *const replaced = record.view(); isLive(replaced))
+        replaced->yieldRecord();
+    view = made;
+    record.setView(view);
+    return true;
+}
+
+// Parking can run the host's code.
 bool MediaPlayerControl::saveObject()
 {
     traceLine("MediaPlayerControl::saveObject");
+    const QPointer<MediaPlayerControl> self(this);
     if (view)
         view->saveObject();
-    if (!quickWidget)
+    if (self && !quickWidget)
         deleteLater();
     return false;
 }
 
+// A control may have registered two records: the view that ends is the one that says so.
 void MediaPlayerControl::onDestruct()
 {
     traceLine("MediaPlayerControl::onDestruct");
     deleteLater();
-    if (view)
-        view->unrefPipe();
-    if (view)
-        view->deleteLater();
+    auto *const announcing = qobject_cast<MediaPlayerView *>(sender());
+    const QPointer<MediaPlayerView> ending = announcing ? announcing : view.data();
+    if (ending)
+        ending->unrefPipe();
+    if (ending)
+        ending->scheduleDeletion();
 }

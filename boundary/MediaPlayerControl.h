@@ -9,6 +9,7 @@
 #include <QtQuickWidgets/QQuickWidget>
 
 class MediaPlayerView;
+struct MediaPlayerParams;
 class QQuickWindow;
 
 /// One native control. It is thin: it knows the host's window and item, and leads the host's
@@ -41,6 +42,11 @@ public:
     QPointer<QQuickItem> parentItem;
     QPointer<QWindow> window;
     QPointer<QQuickWidget> quickWidget; ///< null in a Qt Quick host
+
+private:
+    // Each gives the control the record's view; false when there is none, or no control any more.
+    bool takeOverView(MediaPlayerParams *block);
+    bool makeView(MediaPlayerParams *block);
 };
 
 extern "C" {

@@ -32,17 +32,13 @@ configure_file(cmake/mediaplayer.pc.in mediaplayer.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mediaplayer.pc DESTINATION ${pkgConfigDir})
 
 # Of the packages that are needed to run, dpkg-shlibdeps finds those that are linked. The others
-# are loaded while a program runs, and are taken from the scripts' list.
-file(READ cmake/packages.sh packages)
-set(loadedAtRunTime "")
-foreach(list packagesRun packagesHosts)
-  if(NOT packages MATCHES "${list}=\\(([^)]+)\\)")
-    message(FATAL_ERROR "cmake/packages.sh has no list ${list}")
-  endif()
-  string(REGEX MATCHALL "[^ \n]+" names "${CMAKE_MATCH_1}")
-  list(APPEND loadedAtRunTime ${names})
-endforeach()
-list(JOIN loadedAtRunTime ", " loadedAtRunTime)
+# are loaded while a program runs, and are taken from the scripts' list for this system.
+execute_process(
+  COMMAND bash -euc [[. cmake/packages.sh; echo "${packagesRun[@]}" "${packagesHosts[@]}"]]
+  WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} OUTPUT_VARIABLE loadedAtRunTime
+  OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE " " ", " loadedAtRunTime "${loadedAtRunTime}")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/packages.sh)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME mediaplayer)

@@ -1,29 +1,29 @@
 # shellcheck shell=bash
 # Steps that the scripts share. To be sourced in the project's root folder.
 
-# buildPreset PRESET [CMAKE ARGUMENT...]: configures and builds into build/PRESET.
+# buildPreset PRESET: configures and builds into build/PRESET.
 buildPreset()
 {
   local preset=$1
-  shift
   echo "Building build/$preset"
-  cmake --preset "$preset" -DMEDIAPLAYER_HOSTS=ON -DMEDIAPLAYER_TESTS=ON \
-    -DCMAKE_EXPORT_COMPILE_COMMANDS=ON "$@" >/dev/null \
+  # Ninja knows by itself when any other of CMake's files has changed.
+  [[ build/$preset/build.ninja -nt CMakePresets.json ]] || cmake --preset "$preset" >/dev/null \
     || { echo "$0: configuring build/$preset failed" >&2; return 1; }
-  cmake --build --preset "$preset" -- --quiet \
+  NINJA_STATUS='[%f of %t, %e s] ' cmake --build --preset "$preset" \
     || { echo "$0: building build/$preset failed" >&2; return 1; }
 }
 
 # installScene: the scene files have a fixed path, so they are installed for a run out of the build
-# folder too. Touches nothing that is up to date.
+# folder too; under DESTDIR, where there is one. Touches nothing that is up to date.
 installScene()
 {
-  local file target=/opt/VexadorControl
+  local file target=${DESTDIR-}/opt/VexadorControl
   for file in qml/*.qml; do
     cmp -s "$file" "$target/${file##*/}" && continue
     echo "Installing $target/${file##*/}"
     install -D -m 644 -t "$target" "$file" && continue
-    echo "$0: $target cannot be written, run as root" >&2
+    echo "The scene files cannot be written, and without them every picture is black. As root:" >&2
+    echo "  install -D -m 644 -t $target $PWD/qml/*.qml" >&2
     return 1
   done
 }

@@ -36,14 +36,42 @@ std::size_t writtenLength(const char *message)
     return startsCharacter ? start : longestMessage;
 }
 
+enum class Link { None, Ours, Foreign };
+
+Link linkThere()
+{
+    struct stat info;
+    if (lstat(logPath, &info) != 0 || !S_ISLNK(info.st_mode))
+        return Link::None;
+    return info.st_uid == geteuid() ? Link::Ours : Link::Foreign;
+}
+
+/// A descriptor, or -1 with errno set. /tmp is everybody's: somebody else's link may lead to a file
+/// of this user, and a FIFO would hold the caller for ever.
+int openLog()
+{
+    const Link link = linkThere();
+    if (link == Link::Foreign) {
+        errno = ELOOP;
+        return -1;
+    }
+    const int follow = link == Link::Ours ? 0 : O_NOFOLLOW; // it may have come since
+    return open(logPath, O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | follow,
+                0666);
+}
+
+bool canBeWritten()
+{
+    const int file = openLog();
+    if (file >= 0)
+        close(file);
+    return file >= 0;
+}
+
 /// 0, or the number of the system error.
 int append(const char *bytes, std::size_t size)
 {
-    // /tmp is everybody's: O_NOFOLLOW against a link to one of the user's own files, O_NONBLOCK
-    // against a FIFO that would hold the caller for ever.
-    const int file =
-        open(logPath,
-             O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
+    const int file = openLog();
     if (file < 0)
         return errno;
     int error = 0;
@@ -59,12 +87,6 @@ int append(const char *bytes, std::size_t size)
     }
     close(file);
     return error;
-}
-
-bool logIsLink()
-{
-    struct stat info;
-    return lstat(logPath, &info) == 0 && S_ISLNK(info.st_mode);
 }
 
 } // namespace
@@ -90,7 +112,8 @@ void xprocf(const char *message)
     xprintf(message);
     std::array<char, 200> command;
     std::snprintf(command.data(), command.size(), reportFormat, static_cast<int>(getpid()));
-    const int status = logIsLink() ? -1 : std::system(command.data());
+    // The shell would wait at a FIFO, and follow anybody's link.
+    const int status = canBeWritten() ? std::system(command.data()) : -1;
     if (status != 0)
         traceFormat("xprocf failed: %d\n", status);
 }

@@ -1,9 +1,9 @@
 #include "pipeline/padAdded.h"
 
+#include "boundary/AtomicAccess.h"
 #include "diagnostics/Trace.h"
 #include "pipeline/GstHandle.h"
 #include "pipeline/chain.h"
-#include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
 void pad_added_handler(GstElement *, GstPad *newPad, MediaPlayerView *view)

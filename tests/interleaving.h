@@ -30,14 +30,29 @@ inline void hideAndPark(Host &host)
     await("the parking", [&] { return loadRelaxed(host.record.attached) == 0; });
 }
 
+// Commands that are carried out before these return, as the update thread has them carried out.
+inline void runAtOnce(Host &host, int command)
+{
+    host.raise(command);
+    host.view()->updateValues();
+}
+
+inline void loadAtOnce(Host &host, const char *name)
+{
+    host.setFileName(media(name) + '\0');
+    runAtOnce(host, MediaPlayerCommandLoad);
+}
+
+inline void playAtOnce(Host &host, GstState state)
+{
+    host.record.playState = state;
+    runAtOnce(host, MediaPlayerCommandPlayState);
+}
+
 /// Whether a thread waits for the mutex. glibc writes 2 before such a thread goes to sleep.
 inline bool isContended(pthread_mutex_t *mutex)
 {
     return std::atomic_ref(mutex->__data.__lock).load() == 2;
-}
-inline bool isContended(std::mutex &mutex)
-{
-    return isContended(mutex.native_handle());
 }
 inline bool isContended(const GRecMutex &mutex)
 {
@@ -45,16 +60,18 @@ inline bool isContended(const GRecMutex &mutex)
 }
 
 /// Holds up the thread that next changes the state of the view's pipeline, in the middle of its
-/// sequence and with whatever it has locked, until another waits for the view or ends it.
+/// turn, until another waits for its own turn, ends the view, or opens the gate.
 class Gate
 {
 public:
     explicit Gate(MediaPlayerView *view) : m_view(view), m_pipeline(view->pipeline)
     {
+        s_opened = false;
         s_active = this;
         const ObjectRef<GstBus> bus(gst_element_get_bus(m_pipeline));
         gst_bus_set_sync_handler(bus.get(), onMessage, nullptr, nullptr);
     }
+    void open() { s_opened = true; }
     ~Gate()
     {
         s_active = nullptr;
@@ -73,7 +90,7 @@ private:
             && GST_MESSAGE_SRC(message) == GST_OBJECT(gate->m_pipeline)
             && !gate->reached.exchange(true))
             gate->passed = blockUntil([view = gate->m_view] {
-                return isContended(view->lock) || !loadAcquire(view->pipelineActive);
+                return s_opened || view->sequence.isAwaited() || !loadAcquire(view->pipelineActive);
             });
         --s_inside;
         return GST_BUS_PASS;
@@ -81,6 +98,7 @@ private:
 
     // Not the bus's user data: ThreadSanitizer cannot see how the bus hands that over.
     static inline std::atomic<Gate *> s_active = nullptr;
+    static inline std::atomic<bool> s_opened = false;
     static inline std::atomic<int> s_inside = 0; // the handler may still run when a gate goes
 
     MediaPlayerView *const m_view;

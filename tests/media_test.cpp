@@ -67,14 +67,14 @@ private Q_SLOTS:
             if (host.view()->videoSink)
                 AWAIT_EQUAL(host.overlay(), QString());
             AWAIT_EQUAL(host.pipelineStates(), QList<int> {GST_STATE_PAUSED});
-            AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+            AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
             if (strstr(file->streams, "PICTURE"))
                 AWAIT_EQUAL(host.picture(), "RGBW");
         };
         rests();
         const double length = shape.indexed ? shape.seconds : 0;
-        QTRY_VERIFY2_WITH_TIMEOUT(within(host.duration(), length - 0.3, length + 0.3),
-                                  QByteArray::number(host.duration()), patience);
+        AWAIT_OR_SAY(within(host.duration(), length - 0.3, length + 0.3),
+                     QByteArray::number(host.duration()));
         if (!QTest::currentTestFailed())
             playToTheEnd(host, shape);
         rests();
@@ -91,11 +91,11 @@ private:
     {
         std::uint32_t run = 0;
         const auto play = [&] {
-            run = loadRelaxed(host.view()->generation);
+            run = generationOf(host.view());
             QCOMPARE(host.play(GST_STATE_PLAYING), complete);
         };
         // An end goes through READY and NULL.
-        const auto ended = [&] { return loadRelaxed(host.view()->generation) > run + 1; };
+        const auto ended = [&] { return generationOf(host.view()) > run + 1; };
         play();
         AWAIT(ended() || within(host.position(), 0.2, shape.seconds));
         for (const double target : {shape.seconds / 2, shape.seconds - 2}) {
@@ -104,9 +104,8 @@ private:
             QCOMPARE(host.play(GST_STATE_PAUSED), complete);
             host.record.seekPosition = qint64(target * GST_SECOND);
             QCOMPARE(host.run(MediaPlayerCommandSeek), complete);
-            QTRY_VERIFY2_WITH_TIMEOUT(
-                within(host.position(), target - shape.seekSlack, target + 0.3),
-                QByteArray::number(host.position()), patience);
+            AWAIT_OR_SAY(within(host.position(), target - shape.seekSlack, target + 0.3),
+                         QByteArray::number(host.position()));
             AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
             play();
         }

@@ -1,30 +1,13 @@
 #include "tests/interleaving.h"
 
+#include "pipeline/stateChange.h"
 #include "update/cThread.h"
+#include "update/updateThread.h"
 
 #include <thread>
 
 namespace
 {
-
-void request(Host &host, int command)
-{
-    storeRelaxed(host.record.command, command);
-    storeRelease(host.record.execute, 1);
-    host.view()->updateValues();
-}
-
-void load(Host &host, const char *name)
-{
-    host.setFileName(media(name) + '\0');
-    request(host, MediaPlayerCommandLoad);
-}
-
-void play(Host &host, GstState state)
-{
-    host.record.playState = state;
-    request(host, MediaPlayerCommandPlayState);
-}
 
 /// What is forgotten of the messages that a command finds on the bus.
 enum Forgets { Nothing, End, All };
@@ -32,24 +15,33 @@ enum Forgets { Nothing, End, All };
 struct Command {
     const char *name;
     Forgets forgets;
+    bool takesATurn; ///< and so waits for a rewind to give up
     int state; ///< of the pipeline that is current afterwards; 0 for none
     void (*run)(Host &);
 };
 
 const Command commands[] = {
-    {"load", All, GST_STATE_PAUSED, [](Host &host) { load(host, "tone.flac"); }},
-    {"load, cached", All, GST_STATE_PAUSED, [](Host &host) { load(host, "yellow.mp4"); }},
-    {"load and return", All, GST_STATE_PAUSED,
+    {"load", All, true, GST_STATE_PAUSED, [](Host &host) { loadAtOnce(host, "tone.flac"); }},
+    {"load, cached", All, true, GST_STATE_PAUSED,
+     [](Host &host) { loadAtOnce(host, "yellow.mp4"); }},
+    {"load and return", All, true, GST_STATE_PAUSED,
      [](Host &host) {
-         load(host, "yellow.mp4");
-         load(host, "quadrants.webm");
+         loadAtOnce(host, "yellow.mp4");
+         loadAtOnce(host, "quadrants.webm");
      }},
-    {"play", Nothing, GST_STATE_PLAYING, [](Host &host) { play(host, GST_STATE_PLAYING); }},
-    {"stop", All, GST_STATE_PAUSED, [](Host &host) { play(host, GST_STATE_NULL); }},
-    {"seek", End, GST_STATE_PAUSED, [](Host &host) { request(host, MediaPlayerCommandSeek); }},
-    {"rebind", All, GST_STATE_PAUSED, [](Host &host) { request(host, MediaPlayerCommandRebind); }},
-    {"unrefPipe", All, 0, [](Host &host) { host.view()->unrefPipe(); }},
-    {"destructor", Nothing, 0, [](Host &host) { delete host.view(); }},
+    {"play", Nothing, true, GST_STATE_PLAYING,
+     [](Host &host) { playAtOnce(host, GST_STATE_PLAYING); }},
+    {"stop", End, true, GST_STATE_PAUSED, [](Host &host) { playAtOnce(host, GST_STATE_NULL); }},
+    {"seek", End, true, GST_STATE_PAUSED,
+     [](Host &host) { runAtOnce(host, MediaPlayerCommandSeek); }},
+    {"rebind", All, false, GST_STATE_PAUSED,
+     [](Host &host) { runAtOnce(host, MediaPlayerCommandRebind); }},
+    {"no state to go to", Nothing, false, GST_STATE_PAUSED,
+     [](Host &host) { playAtOnce(host, GST_STATE_VOID_PENDING); }},
+    {"parking without a pause", Nothing, false, GST_STATE_PAUSED,
+     [](Host &host) { host.view()->saveObject(); }},
+    {"unrefPipe", All, true, 0, [](Host &host) { host.view()->unrefPipe(); }},
+    {"destructor", Nothing, true, 0, [](Host &host) { delete host.view(); }},
 };
 
 void addCommands(Forgets least)
@@ -78,17 +70,8 @@ private:
     /// From here on the test calls what the update thread would call.
     void takeOverUpdateThread() { view()->thread->destroyThread(); }
 
-    /// Does `meanwhile` when another thread has come to the lock in the middle of `other`.
-    bool meetAtLock(const std::function<void()> &other, const std::function<void()> &meanwhile)
-    {
-        std::unique_lock guard(view()->lock);
-        std::thread thread(other);
-        const bool met = blockUntil([this] { return isContended(view()->lock); });
-        meanwhile();
-        guard.unlock();
-        thread.join();
-        return met;
-    }
+    /// What the update thread does in one pass.
+    void pass() { updatePass(*view()); }
 
 private Q_SLOTS:
     void init()
@@ -105,7 +88,7 @@ private Q_SLOTS:
     {
         if (view()) {
             for (const auto &built : std::as_const(view()->pipelineCache))
-                QVERIFY(built->pipeline == pipeline() || !view()->isAboveReady(built->pipeline));
+                QVERIFY(built->pipeline == pipeline() || !isAboveReady(built->pipeline));
         }
         m_host.reset();
     }
@@ -119,51 +102,85 @@ private Q_SLOTS:
         Gate gate(meeting);
         postEnd(pipeline());
         QVERIFY(blockUntil([&] { return gate.reached.load(); }));
-        const auto generation = loadRelaxed(meeting->generation);
+        const auto generation = generationOf(meeting);
         command.run(*m_host);
-        QVERIFY(gate.passed);
+        if (!command.takesATurn) {
+            QVERIFY(!gate.passed); // the rewind is where it was, and the command has not waited
+            gate.open();
+        }
+        QVERIFY(blockUntil([&] { return gate.passed.load(); }));
         if (view() && !pipeline()) // READY for the end; NULL and no pipeline for unrefPipe
-            QCOMPARE(meeting->generation, generation + 3);
+            QCOMPARE(generationOf(meeting), generation + 3);
         AWAIT_EQUAL(view() && pipeline() ? m_host->pipelineStates().first() : 0, command.state);
     }
 
-    // The listener has seen the end of stream and waits for the lock, which the command holds.
+    // A seek counts from a paused start, and parking leaves nothing to resume, though the rewind
+    // has not come to its end.
+    void cutRewindIsMadeGood_data()
+    {
+        QTest::addColumn<bool>("parks");
+        QTest::newRow("seek") << false;
+        QTest::newRow("parking with a pause") << true;
+    }
+    void cutRewindIsMadeGood()
+    {
+        QFETCH(bool, parks);
+        m_host->record.pauseOnSave = 1;
+        Gate gate(view());
+        postEnd(pipeline());
+        QVERIFY(blockUntil([&] { return gate.reached.load(); }));
+        if (parks)
+            view()->saveObject();
+        else
+            runAtOnce(*m_host, MediaPlayerCommandSeek);
+        QVERIFY(gate.passed);
+        AWAIT_EQUAL(m_host->pipelineStates().first(), int(GST_STATE_PAUSED));
+        QVERIFY(!view()->pausedBySave);
+    }
+
+    // What waits on the bus while a command is carried out is news of the run before it.
     void commandOvertakesEnd_data() { addCommands(End); }
     void commandOvertakesEnd()
     {
         QFETCH(Command, command);
         takeOverUpdateThread();
-        const ObjectRef<GstElement> ended(GST_ELEMENT(gst_object_ref(pipeline())));
-        postEnd(ended.get());
-        postError(ended.get());
-        Gate gate(view());
-        std::atomic<bool> finished = false;
-        std::thread listener([&] {
-            blockUntil([&] { return gate.reached || finished; });
-            view()->drainBus(ended.get());
-        });
+        postEnd(pipeline());
+        postError(pipeline());
         command.run(*m_host);
-        finished = true;
-        const auto generation = view()->generation;
-        listener.join();
-        view()->busListenerFunction(); // what is left is heard now
-        QCOMPARE(view()->generation, generation); // not rewound
-        QCOMPARE(int(m_host->record.error), int(command.forgets == End));
+        if (!view() || !pipeline())
+            return;
+        const auto generation = generationOf(view());
+        view()->busListenerFunction();
+        QCOMPARE(generationOf(view()), generation); // not rewound
+        QCOMPARE(m_host->record.error == 1, command.forgets == End);
+        if (loadRelaxed(view()->rebindPending))
+            return;
+        postEnd(pipeline()); // the end of the run that the command began
+        view()->busListenerFunction();
+        QVERIFY(generationOf(view()) != generation);
     }
 
+    // The error comes up while the command changes an item, and is heard before the report.
     void errorWaitsForTheReport()
     {
         takeOverUpdateThread();
-        QVERIFY(meetAtLock([this] { view()->report(true); }, [this] { view()->handleError(); }));
+        m_host->record.opacity = 0.5;
+        connect(view()->videoItem, &QQuickItem::opacityChanged, this, [this] {
+            postError(pipeline());
+            std::thread([this] { view()->busListenerFunction(); }).join();
+        });
+        runAtOnce(*m_host, MediaPlayerCommandOpacity);
         QCOMPARE(int(m_host->record.done), 1);
         QCOMPARE(int(m_host->record.error), 0);
+        view()->busListenerFunction();
+        QCOMPARE(int(m_host->record.error), 1);
     }
 
     // A streaming thread is in the middle of raising the sink, which has taken what it shares.
     void loadMeetsASinkBeingRaised()
     {
         static std::atomic<bool> raised, met;
-        load(*m_host, "./quadrants.webm");
+        loadAtOnce(*m_host, "./quadrants.webm");
         const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline()));
         const auto hold = [](GstBus *, GstMessage *message, gpointer) {
             GstObject *const source = GST_MESSAGE_SRC(message);
@@ -178,7 +195,7 @@ private Q_SLOTS:
         gst_bus_set_sync_handler(bus.get(), hold, nullptr, nullptr);
         gst_element_set_state(pipeline(), GST_STATE_PAUSED);
         QVERIFY(blockUntil([] { return raised.load(); }));
-        load(*m_host, "yellow.mp4");
+        loadAtOnce(*m_host, "yellow.mp4");
         QVERIFY(met);
         m_host.reset(); // finds its display and GL contexts alive
         init();
@@ -188,28 +205,40 @@ private Q_SLOTS:
     void staleAnswerIsNotPublished()
     {
         takeOverUpdateThread();
-        constexpr qint64 untouched = -1;
+        constexpr qint64 untouched = -7;
         m_host->record.position = untouched;
-        QVERIFY(meetAtLock([this] { view()->publish(pipeline()); },
-                           [this] { view()->nextGeneration(); }));
+        const ObjectRef<GstPad> sink(gst_element_get_static_pad(view()->videoSink, "sink"));
+        const auto move = [](GstPad *, GstPadProbeInfo *, gpointer moved) {
+            auto *const host = static_cast<MediaPlayerView *>(moved);
+            const Guard guard(host->lock);
+            ++host->shared.generation;
+            return GST_PAD_PROBE_OK;
+        };
+        const gulong probe =
+            gst_pad_add_probe(sink.get(), GST_PAD_PROBE_TYPE_QUERY_UPSTREAM, move, view(), nullptr);
+        view()->busListenerFunction();
         QCOMPARE(m_host->position(), untouched);
-        view()->publish(pipeline());
+        gst_pad_remove_probe(sink.get(), probe);
+        view()->busListenerFunction();
         QVERIFY(m_host->position() != untouched);
     }
 
-    // The listener takes the lock as soon as the preroll lets it go.
+    // The listener gets its turn as soon as the preroll is over.
     void errorOfThePrerollStays()
     {
         takeOverUpdateThread();
-        load(*m_host, "tone.flac");
+        loadAtOnce(*m_host, "tone.flac");
         for (int attempt = 0; attempt < 20; ++attempt) {
-            const auto before = view()->generation;
+            m_host->record.error = 0;
+            const auto before = generationOf(view());
             std::thread listener([&] {
-                if (blockUntil([&] { return loadRelaxed(view()->generation) != before; })
-                    && blockUntil([&] { return view()->lock.try_lock(); })) {
-                    view()->handleError();
-                    view()->lock.unlock();
-                }
+                if (!blockUntil([&] { return generationOf(view()) != before; }))
+                    return;
+                postError(pipeline());
+                blockUntil([&] {
+                    view()->busListenerFunction();
+                    return loadRelaxed(m_host->record.error) == 1;
+                });
             });
             view()->videoItemReady();
             listener.join();
@@ -224,9 +253,9 @@ private Q_SLOTS:
         for (const int show : {0, 1, 0}) {
             m_host->control->SysNativeControlShow(1 - show);
             m_host->control->SysNativeControlShow(show);
-            view()->updatePass();
+            pass();
             AWAIT_EQUAL(int(m_host->record.attached), show);
-            view()->updatePass();
+            pass();
             QVERIFY(!view()->invokePending);
         }
     }
@@ -237,16 +266,16 @@ private Q_SLOTS:
         takeOverUpdateThread();
         m_host->record.command = MediaPlayerCommandSeek;
         m_host->record.execute = 1;
-        const auto generation = view()->generation;
-        view()->updatePass();
+        const auto generation = generationOf(view());
+        pass();
         view()->saveObject();
-        view()->updatePass();
+        pass();
         QCoreApplication::processEvents();
         QCOMPARE(int(m_host->record.execute), 0);
-        QCOMPARE(view()->generation, generation + 1);
+        QCOMPARE(generationOf(view()), generation + 1);
 
         m_host->control->SysNativeControlShow(1);
-        view()->updatePass();
+        pass();
         view()->saveObject();
         QCOMPARE(int(m_host->record.attached), 0);
         QCoreApplication::processEvents();

@@ -1,6 +1,6 @@
 #include "update/cThread.h"
 
-#include "view/AtomicAccess.h"
+#include "boundary/AtomicAccess.h"
 
 #include <unistd.h>
 
@@ -53,7 +53,8 @@ int cThread::threadInit(int inheritSched, int policy, int priority, int stackSiz
         if (error != 0)
             pthread_attr_destroy(&threadAttr);
     }
-    // A mutex that is still there may be held; it stays as it is.
+    if (error == 0 && mutexExists && threadId == 0)
+        releaseMutex(); // a claim on the thread that was not started
     if (error == 0 && !mutexExists)
         error = pthread_mutex_init(&threadMutex, nullptr);
     if (error != 0) {
@@ -76,7 +77,9 @@ int cThread::createThread(void *(*routine)(void *), void *arg, char *name)
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    const int error = pthread_create(&threadId, &threadAttr, routine, arg);
+    start = {routine, arg};
+    hasLeft = false;
+    const int error = pthread_create(&threadId, &threadAttr, enter, this);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 
     if (error == 0)
@@ -90,21 +93,53 @@ int cThread::createThread(void *(*routine)(void *), void *arg, char *name)
     return 0;
 }
 
+// The platform forgets a detached thread when it ends, so it may be cancelled only while it has not
+// come to leave().
 int cThread::destroyThread()
 {
-    if (threadId != 0) {
-        if (!joined && !detached) {
+    if (threadId != 0 && detached) {
+        std::unique_lock guard(leaving);
+        if (!hasLeft)
             pthread_cancel(threadId);
-            pthread_join(threadId, nullptr);
-        }
-        threadId = 0;
+        left.wait(guard, [this] { return hasLeft; });
+    } else if (threadId != 0 && !joined) {
+        pthread_cancel(threadId);
+        pthread_join(threadId, nullptr);
     }
+    threadId = 0;
     if (!mutexExists)
         return EINVAL;
     mutexExists = false;
+    releaseMutex();
+    return pthread_mutex_destroy(&threadMutex);
+}
+
+void cThread::releaseMutex()
+{
     pthread_mutex_trylock(&threadMutex); // held now, by us or by whoever claimed the wrapper
     pthread_mutex_unlock(&threadMutex);
-    return pthread_mutex_destroy(&threadMutex);
+}
+
+// The thread's own data tells of its end, however it ends. A frame with a destructor would not bear
+// a cancellation at any instruction.
+void *cThread::enter(void *wrapper)
+{
+    static const pthread_key_t end = [] {
+        pthread_key_t key {};
+        pthread_key_create(&key, leave);
+        return key;
+    }();
+    pthread_setspecific(end, wrapper);
+    const Start start = static_cast<cThread *>(wrapper)->start;
+    return start.routine(start.argument);
+}
+
+void cThread::leave(void *wrapper)
+{
+    auto *const thread = static_cast<cThread *>(wrapper);
+    const std::lock_guard guard(thread->leaving);
+    thread->hasLeft = true;
+    thread->left.notify_all();
 }
 
 int cThread::detachThread()
@@ -149,8 +184,10 @@ bool cThread::isActive()
 {
     if (threadId == 0 || joined)
         return false;
-    if (detached)
-        return true; // nobody can tell any more
+    if (detached) {
+        const std::lock_guard guard(leaving);
+        return !hasLeft;
+    }
     joined = pthread_tryjoin_np(threadId, nullptr) == 0;
     return !joined;
 }

@@ -3,6 +3,9 @@
 
 #include <pthread.h>
 
+#include <condition_variable>
+#include <mutex>
+
 /// One POSIX thread: its attributes, its name, and a mutex through which a creator claims the
 /// wrapper.
 ///
@@ -23,8 +26,8 @@ public:
     cThread &operator=(const cThread &) = delete;
 
     /// Prepares the attributes and the mutex. `inheritSched` 1 takes `policy` and `priority`; any
-    /// other number inherits the creator's scheduling. `stackSize` in bytes. A failing step prints
-    /// one message, ends the sequence and is returned.
+    /// other number inherits the creator's scheduling. `stackSize` in bytes. The mutex is free
+    /// afterwards. A failing step prints one message, ends the sequence and is returned.
     int threadInit(int inheritSched, int policy, int priority, int stackSize);
 
     /// Starts routine(arg) with all signals blocked, so that no handler of the host runs on the
@@ -33,12 +36,12 @@ public:
     /// is destroyed first. Always 0: a thread that could not be started is simply not there.
     int createThread(void *(*routine)(void *), void *arg, char *name);
 
-    /// Cancels and joins the thread, if there is one to join, and destroys the mutex, which is
-    /// released first where somebody holds it. Waits until the thread has ended. EINVAL without a
-    /// mutex.
+    /// Cancels the thread, if there is one, and destroys the mutex, which is released first where
+    /// somebody holds it. Joins the thread, or waits until a detached one has left its routine.
+    /// EINVAL without a mutex.
     int destroyThread();
 
-    /// Leaves the thread to itself: it can no longer be cancelled or joined. ESRCH without one.
+    /// Leaves the thread to itself: nobody joins it any more. ESRCH without one.
     int detachThread();
 
     /// Makes the calling thread cancellable at any instruction.
@@ -57,6 +60,10 @@ public:
     bool isActive();
 
 private:
+    static void *enter(void *wrapper); // on the new thread
+    static void leave(void *wrapper); // the same, when its routine is behind it
+    void releaseMutex();
+
     pthread_t threadId = 0;
     pthread_mutex_t threadMutex;
     pthread_attr_t threadAttr;
@@ -68,6 +75,17 @@ private:
     bool attrReady = false;
     bool joined = false; // never join or cancel again: the handle may name another thread
     bool detached = false;
+
+    // What the thread starts with; written before that.
+    struct Start {
+        void *(*routine)(void *) = nullptr;
+        void *argument = nullptr;
+    } start;
+
+    // For a detached thread, which tells by itself when it goes.
+    std::mutex leaving;
+    std::condition_variable left;
+    bool hasLeft = false; // guarded by `leaving`
 };
 
 #endif

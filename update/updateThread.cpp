@@ -1,8 +1,9 @@
 #include "update/updateThread.h"
 
+#include "boundary/AtomicAccess.h"
+#include "boundary/Record.h"
 #include "diagnostics/Trace.h"
 #include "update/cThread.h"
-#include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
 #include <unistd.h>
@@ -11,6 +12,41 @@ namespace
 {
 
 constexpr useconds_t pollInterval = 50'000;
+
+/// A slot that the host has asked for, and the mark that its asking left.
+struct Request {
+    const char *slot;
+    const char *line;
+    bool *mark; ///< lowered when the slot is queued; null for a command
+};
+
+/// At most one slot is queued or running at a time. invokePending is read before `execute`: a slot
+/// lowers `execute` first, so a finished command is never taken for a new one.
+Request wanted(MediaPlayerView &view) REQUIRES(view.lock)
+{
+    if (loadAcquire(view.invokePending))
+        return {};
+    if (loadRelaxed(view.saveRequested))
+        return {"saveObject", "Update invoke saveObject MP", &view.saveRequested};
+    if (loadRelaxed(view.restoreRequested))
+        return {"restore", "Update invoke restore MP", &view.restoreRequested};
+    // A direct saveObject() clears invokePending while a queued command still waits; commandQueued
+    // keeps that command from being queued again.
+    if (!loadAcquire(view.commandQueued) && Record(view.params).isExecuting())
+        return {"updateValues", "Update invoke updateValues MP", nullptr};
+    return {};
+}
+
+void queue(MediaPlayerView &view, const Request &request)
+{
+    traceLine(request.line);
+    storeRelaxed(view.invokePending, true);
+    if (request.mark)
+        storeRelaxed(*request.mark, false);
+    else
+        storeRelaxed(view.commandQueued, true);
+    QMetaObject::invokeMethod(&view, request.slot, Qt::QueuedConnection);
+}
 
 } // namespace
 
@@ -24,45 +60,24 @@ void *tUpdateThread(void *argument)
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
     pthread_setcanceltype(PTHREAD_CANCEL_DEFERRED, nullptr);
     for (;;) {
-        view->updatePass();
+        updatePass(*view);
         pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, nullptr);
         usleep(pollInterval);
         pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
     }
 }
 
-void MediaPlayerView::updatePass()
+void updatePass(MediaPlayerView &view)
 {
-    MediaPlayerParams *block = loadAcquire(params);
-    if (!block || loadAcquire(ending))
-        return;
-
-    // At most one slot is queued or running at a time, and invokePending is read before `execute`:
-    // a slot lowers `execute` first, so a finished command is never taken for a new one.
-    const auto queue = [this](const char *slot) {
-        QMetaObject::invokeMethod(this, slot, Qt::QueuedConnection);
-    };
-    if (loadAcquire(invokePending)) {
-        // whatever else is wanted waits
-    } else if (loadRelaxed(saveRequested)) {
-        traceLine("Update invoke saveObject MP");
-        storeRelaxed(invokePending, true);
-        storeRelaxed(saveRequested, false);
-        queue("saveObject");
-    } else if (loadRelaxed(restoreRequested)) {
-        traceLine("Update invoke restore MP");
-        storeRelaxed(invokePending, true);
-        storeRelaxed(restoreRequested, false);
-        queue("restore");
-    } else if (!loadAcquire(commandQueued) && loadAcquire(block->execute) != 0) {
-        // A direct saveObject() clears invokePending while a queued command still waits;
-        // commandQueued keeps that command from being queued again.
-        traceLine("Update invoke updateValues MP");
-        storeRelaxed(invokePending, true);
-        storeRelaxed(commandQueued, true);
-        queue("updateValues");
+    Request request {};
+    {
+        const Guard guard(view.lock);
+        if (!view.params)
+            return;
+        request = wanted(view);
     }
-
-    if (loadAcquire(pipeline))
-        busListenerFunction();
+    if (request.slot)
+        queue(view, request);
+    if (loadAcquire(view.pipeline))
+        view.busListenerFunction();
 }

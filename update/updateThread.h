@@ -5,4 +5,9 @@
 /// the host asked for onto the GUI thread and polls the pipeline's bus. It ends by cancellation.
 void *tUpdateThread(void *view);
 
+class MediaPlayerView;
+
+/// [update] One pass of it.
+void updatePass(MediaPlayerView &view);
+
 #endif

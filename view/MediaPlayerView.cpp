@@ -1,10 +1,14 @@
 #include "view/MediaPlayerView.h"
 
+#include "boundary/AtomicAccess.h"
+#include "boundary/Record.h"
 #include "diagnostics/Trace.h"
+#include "pipeline/builtPipelines.h"
+#include "pipeline/sequences.h"
 #include "update/cThread.h"
 #include "update/updateThread.h"
-#include "view/AtomicAccess.h"
 #include "view/liveViews.h"
+#include "view/placement.h"
 #include "view/scene.h"
 
 namespace
@@ -27,7 +31,7 @@ MediaPlayerView::MediaPlayerView(QWindow *hostWindow, QQuickItem *hostItem, QObj
 {
     traceLine("MediaPlayerView::MediaPlayerView");
     addLiveView(this);
-    moveHostItemToOrigin();
+    moveHostItemToOrigin(*this);
     thread = new cThread;
     thread->threadInit(1, SCHED_OTHER, 0, threadStackBytes);
     if (thread->trylockThreadMutex() == 0)
@@ -44,29 +48,29 @@ MediaPlayerView::~MediaPlayerView()
     traceLine("MediaPlayerView::~MediaPlayerView");
     hide();
     storeRelease(pipelineActive, false);
-    {
-        const std::lock_guard guard(lock);
-        storeRelease(ending, true);
-    }
     delete videoObject.data();
-    if (params && params->view == this)
-        storeRelaxed(params->view, nullptr);
-    {
-        const std::lock_guard guard(lock);
-        if (pipeline)
-            gstElementSetState(GST_STATE_NULL);
+    if (params) {
+        const Guard guard(lock);
+        const Record record(params);
+        if (record.view() == this)
+            record.setView(nullptr);
+        storeRelease(params, nullptr);
+    }
+    if (pipeline) {
+        const Turn turn(*this);
+        setState(*this, GST_STATE_NULL);
     }
     traceLine("MediaPlayerView::destroy thread");
     thread->destroyThread();
     if (pipeline) {
+        const Turn turn(*this);
         // The thread may have been inside a sequence that raised the pipeline once more.
         gst_element_set_state(pipeline, GST_STATE_NULL);
         awaitNull(pipeline);
-        releaseCurrent();
+        releaseCurrent(*this);
     }
     delete thread;
-    releaseCache();
-    gst_clear_object(&itemContext);
+    releaseAll(*this);
     removeLiveView(this);
 }
 
@@ -81,21 +85,33 @@ void MediaPlayerView::updateReferences(QWindow *hostWindow, QQuickItem *hostItem
     // host gives no window: the view then stays where it is.
     if (hostWindow && hostWindow != parent())
         setParent(hostWindow);
-    if (!rebindPending || !switchedOn(enableWorkaround))
+    if (!params || !rebindPending || !switchedOn(enableWorkaround))
         return;
-    const std::lock_guard guard(lock);
+    const Guard guard(lock);
     storeRelaxed(rebindPending, false);
-    storeRelaxed(params->busy, std::int8_t(0));
-    storeRelaxed(params->error, std::int8_t(0));
-    storeRelaxed(params->done, std::int8_t(1));
+    Record(params).answerRebinding();
 }
 
-void MediaPlayerView::endLater()
+void MediaPlayerView::bind(const QObject *control, MediaPlayerParams *block)
 {
-    storeRelease(pipelineActive, false);
-    {
-        const std::lock_guard guard(lock);
-        storeRelease(ending, true);
-    }
+    assertGuiThread();
+    life.bound = true;
+    life.control = control;
+    const Guard guard(lock);
+    storeRelease(params, block);
+}
+
+void MediaPlayerView::scheduleDeletion()
+{
+    life.deletionScheduled = true;
     deleteLater();
+}
+
+void MediaPlayerView::yieldRecord()
+{
+    {
+        const Guard guard(lock);
+        storeRelease(params, nullptr);
+    }
+    unrefPipe();
 }

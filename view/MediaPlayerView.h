@@ -2,6 +2,9 @@
 #define MEDIAPLAYERVIEW_H
 
 #include "boundary/MediaPlayerParams.h"
+#include "quirks/Quirks.h"
+#include "view/Locks.h"
+#include "view/marks.h"
 
 #include <gst/gst.h>
 
@@ -12,13 +15,7 @@
 #include <QtGui/QWindow>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickView>
-#include <QtQuickWidgets/QQuickWidget>
 
-#include <cstdint>
-#include <functional>
-#include <mutex>
-
-class RenderThreadNote;
 class cThread;
 
 /// The player behind one host record.
@@ -27,15 +24,17 @@ class cThread;
 /// media URI, and the thread that polls the record and the pipeline's bus. The window itself is
 /// never shown: the class is a QQuickView so that a Qt Quick host's window can own it.
 ///
-/// Every operation runs on the GUI thread unless it says otherwise. Its members are defined in the
-/// folder of the subsystem they belong to: view/, pipeline/ and update/.
+/// [gui] is the application's thread, [update] the view's own, [streaming] GStreamer's, [any] all
+/// of them. What stands without one is [gui]. The slots stand together in view/slots.cpp and hand
+/// over to the rooms: view/ places the picture and its texts, pipeline/ builds pipelines and
+/// changes their states, update/ listens to the bus and carries out commands.
 class MediaPlayerView : public QQuickView
 {
     Q_OBJECT
 
 public:
     /// One built pipeline. Plain pointers, null where the file has no use for the element or it
-    /// could not be made; see releaseRecord() for who releases them.
+    /// could not be made; pipeline/builtPipelines.cpp says who owns which reference.
     struct PipelineCtx {
         GstElement *pipeline = nullptr;
         GstElement *source = nullptr;
@@ -46,15 +45,14 @@ public:
         GstElement *volumeElement = nullptr;
         QPointer<QQuickItem> videoItem;
         bool isVideo = false;
-        bool prerolled = false; ///< by videoItemReady()
+        bool prerolled = false; ///< under an item that could take frames
     };
 
     explicit MediaPlayerView(QWindow *hostWindow = nullptr, QQuickItem *hostItem = nullptr,
                              QObject *hostContext = nullptr);
 
-    /// Takes the pipelines down and joins the thread. May wait for one sequence of state changes
-    /// of the update thread, about three seconds at worst, and for a state change that a source
-    /// or a sound server holds up.
+    /// Takes the pipelines down and joins the thread. Waits for a change of state that the update
+    /// thread may be inside, which a source or a sound server can hold up.
     ~MediaPlayerView() override;
 
     void init();
@@ -70,14 +68,37 @@ public:
     /// A new element with a floating reference, or null.
     GstElement *gstElementFactoryMake(const char *factory, const char *name);
 
-    /// Handles one message of the bus, whatever pipeline it comes from, and releases it. Expects
-    /// `lock` to be held; runs on the update thread.
-    void handle_message(GstMessage *message);
+    /// [update] Handles one message of the current pipeline and releases it.
+    void handle_message(GstMessage *message) EXCLUDES(sequence, lock);
 
     bool isVideoSurfaceReady() const;
 
     /// Applies the record's volume. The argument is not used.
     void updateSize(bool);
+
+    /// Serves `block` from now on, and ends with `control` rather than with one bound before.
+    void bind(const QObject *control, MediaPlayerParams *block) EXCLUDES(lock);
+
+    /// Call when libraries may have been loaded: exit() stops what plays before it ends those.
+    static void librariesLoaded();
+
+    /// A registration of the record makes a new view from now on. This one serves its record
+    /// until the event loop deletes it.
+    void scheduleDeletion();
+
+    /// Forgets the record for good, since another view serves it, and falls silent.
+    void yieldRecord() EXCLUDES(sequence, lock);
+
+    // The overlay over the picture, always by a posted call. The first two speak of what the
+    // caller does now; the last two, [any], of `subject`, and come to nothing if another pipeline
+    // is current when they arrive.
+    void showOverlay(const QString &text);
+    void hideOverlay();
+    void showOverlayOf(const GstElement *subject, const QString &text);
+    void hideOverlayOf(const GstElement *subject);
+
+    /// Sizes and seats the video item by the crop margins. Can run the host's code.
+    void placeVideoItem() EXCLUDES(sequence, lock);
 
     // The order of the signals and slots is the order of the meta-object's methods.
 Q_SIGNALS:
@@ -85,81 +106,47 @@ Q_SIGNALS:
     void videoSurfaceReadyChanged(bool ready);
 
 public Q_SLOTS:
-    void restore();
-    bool saveObject();
-    void updateValues();
-    void busListenerFunction(); // runs on the update thread
-    bool loadFile();
+    void restore() EXCLUDES(sequence, lock);
+    bool saveObject() EXCLUDES(sequence, lock);
+    void updateValues() EXCLUDES(sequence, lock);
+    void busListenerFunction() EXCLUDES(sequence, lock); ///< [update]
+    bool loadFile() EXCLUDES(sequence, lock);
 
-    /// Asks for a state and waits for it, at most 100 polls of 10 ms. Any thread; takes no lock.
-    /// FAILURE without a pipeline, for a number that is no state, and where GStreamer refuses.
-    GstStateChangeReturn gstElementSetState(GstState state);
+    /// [any] but streaming and render threads. Asks for a state and waits for it, at most 100 polls
+    /// of 10 ms. FAILURE without a pipeline, for a number that is no state to go to, where
+    /// GStreamer refuses, and inside a change of state that the caller itself has begun.
+    GstStateChangeReturn gstElementSetState(GstState state) EXCLUDES(lock);
 
-    void resetItem();
-    void onDestruct();
-    void unrefPipe();
-    void stabilizeAfterLoad();
+    void resetItem() EXCLUDES(sequence, lock);
+    void onDestruct() EXCLUDES(sequence, lock);
+    void unrefPipe() EXCLUDES(sequence, lock);
+    void stabilizeAfterLoad() EXCLUDES(sequence, lock);
     void onVisible(bool ready);
-    void nulldownAndPauseOnGuiThread();
-    void videoItemReady();
+    void nulldownAndPauseOnGuiThread() EXCLUDES(sequence, lock);
+    void videoItemReady() EXCLUDES(sequence, lock);
 
 public:
-    // What the threads share
-    //
-    // Four kinds of threads meet here: the GUI thread, the update thread (tUpdateThread),
-    // GStreamer's streaming threads (pad_added_handler), and whatever thread the host writes its
-    // record on. Whatever more than one of them touches goes through AtomicAccess.h.
-    //
-    //   member                        written by          read by
-    //   window, parentItem, context,  GUI                 GUI
-    //   videoObject, videoItem,
-    //   pipelineCache
-    //   params                        GUI (release)       update (acquire), GUI
-    //   thread                        GUI, before start   update, GUI
-    //   pipeline                      GUI under lock      update, streaming (acquire), GUI
-    //                                 (release)
-    //   other elements                GUI under lock,     streaming, GUI
-    //                                 before `pipeline`
-    //   pipelineActive                GUI (release)       update (acquire), GUI
-    //   pausedBySave                  GUI                 GUI
-    //   rebindPending                 GUI under lock      update, GUI
-    //   invokePending                 update; GUI clears  update (acquire)
-    //                                 it (release)
-    //   restoreRequested,             GUI; update clears  update
-    //   saveRequested                 them
-    //   generation                    GUI, update         update
-    //   itemContext                   GUI, update (both at once: exchange)
-    //   ending                        GUI under lock      update, GUI
-    //   commandQueued                 update; GUI clears  update
-    //   commandRunning                GUI (release)       update under lock
-    //   bound, widgetsLeftBehind,     GUI                 GUI
-    //   readyIn, arrivingIn, arrivals,
-    //   renderThreadNote
-    //   the record's `execute`        host (release);     update, GUI (acquire)
-    //                                 GUI lowers it
-    //                                 (release)
-    //   done, error, busy             GUI, update under   host
-    //                                 lock, as one write
-    //   state, position, duration     update under lock   host; GUI reads `state` under lock
-    //   attached, view, fileName      GUI                 host, GUI
-    //   other fields of the record    host, before        GUI, update
-    //                                 `execute`
-    //
-    // `lock` guards switching pipelines, sequences of state changes, popping the bus, the mark
-    // rebindPending, the reports and publication. It is a leaf: nothing is locked inside it, and
-    // it is never held across a join, the deletion or re-parenting of an item, a signal, a
-    // property that an item or QML may react to, a QML function that runs at once, or an event
-    // loop. The GUI thread clears `pipelineActive` before it takes the lock to end a pipeline; an
-    // end-of-stream sequence of the update thread then gives up at its next step. Streaming
-    // threads and the render thread never take it, since a state change joins them.
+    // Where several threads meet, access goes through boundary/AtomicAccess.h.
 
+    // Of the GUI thread alone.
     QPointer<QWindow> window;
     QPointer<QQuickItem> parentItem;
     QPointer<QObject> context;
     QPointer<QQuickItem> videoObject;
+
+    // The GUI thread replaces it under `lock` (release); the update thread reads it there.
     MediaPlayerParams *params = nullptr;
+
+    // Written before the thread starts and after it has been joined.
     cThread *thread = nullptr;
+
+    // Of the GUI thread alone.
     QPointer<QQuickItem> videoItem;
+
+    // The current pipeline's. The GUI thread replaces them with both locks held, `pipeline` last
+    // (release). Streaming threads read each once (acquire), between a change of state that
+    // started them and the one that joins them. The update thread reads `pipeline` (acquire)
+    // without a lock as a hint, under `lock` for use, and the sinks with `sequence` held.
     GstElement *pipeline = nullptr;
     GstElement *videoSink = nullptr;
     GstElement *glUpload = nullptr;
@@ -167,113 +154,43 @@ public:
     GstElement *source = nullptr;
     GstElement *audioSink = nullptr;
     GstElement *volumeElement = nullptr;
+
+    // The GUI thread writes it (release); the update thread reads it (acquire).
     bool pipelineActive = false;
+
+    // Of the GUI thread alone.
     bool pausedBySave = false;
+
+    // The GUI thread writes it under `lock`; the update thread reads it.
     bool rebindPending = false;
+
+    // The update thread sets it; the slot that it queued clears it (release), read with acquire.
     bool invokePending = false;
+
+    // The GUI thread writes them; the update thread clears the one that it serves.
     bool restoreRequested = false;
     bool saveRequested = false;
+
+    // Of the GUI thread alone, until the update thread has been joined.
     QHash<QString, QSharedPointer<PipelineCtx>> pipelineCache;
 
-    std::mutex lock;
+    // Streaming and render threads take neither lock, since a change of state joins them.
+    Mutex lock;
+    SequenceLock sequence ACQUIRED_BEFORE(lock);
 
-    /// Goes up with every change down to READY or NULL, every switch and every seek, so that what
-    /// was queried before it is not published after it.
-    std::uint32_t generation = 0;
+    RunMarks shared GUARDED_BY(lock);
 
-    /// The view is about to be deleted or has lost its pipeline: its slots and its thread do
-    /// nothing more, and a registration makes a new view.
-    bool ending = false;
+    /// A rewind at the end of the stream was given up half way; the next turn knows.
+    bool rewindCut GUARDED_BY(sequence) = false;
 
-    /// An updateValues() that the update thread queued has not finished.
+    /// An updateValues() that the update thread queued has not finished. Written like
+    /// invokePending.
     bool commandQueued = false;
 
-    /// A command is being carried out and has not reported. Messages wait for the report, or it
-    /// would overwrite the error that the command itself has caused.
-    bool commandRunning = false;
+    // Of the GUI thread alone.
+    Life life;
 
-    /// A control has been bound at least once.
-    bool bound = false;
-
-    /// A reference on the GL context that the video item made last.
-    GstObject *itemContext = nullptr;
-
-    /// The window in which the video item last reported itself initialised.
-    QPointer<QWindow> readyIn;
-
-    /// The window that the video item has come into and that has not synchronized since, and how
-    /// many times the item has come into one.
-    QPointer<QQuickWindow> arrivingIn;
-    unsigned arrivals = 0;
-
-    /// The video item's.
-    QPointer<RenderThreadNote> renderThreadNote;
-
-    /// Quick widgets of controls that are gone; deleted when the video object has left them.
-    QList<QPointer<QQuickWidget>> widgetsLeftBehind;
-
-    /// True while `view` is a view of this process that is not ending. Accepts any address.
-    static bool isUsable(MediaPlayerView *view);
-
-    /// Marks the view as ending and has it deleted at the next turn of the event loop.
-    void endLater();
-
-    // The rest is for the view's own files. GUI thread and `lock` not held, unless it says so.
-
-    // view/
-    void attachVideoObject();
-    void videoItemArrives(QQuickWindow *in); // null when it has left
-    void moveHostItemToOrigin();
-    void pauseForSave();
-    void resumeAfterRestore();
-    void placeVideoItem();
-    void dropWidgetsLeftBehind();
-    void silence(); // at exit: ends what runs, deletes nothing
-
-    // The overlay, always by a posted call. The first two may be called with the lock held; the
-    // next two are the update thread's, with the lock held, and are dropped when another pipeline
-    // is current by the time they arrive.
-    void showOverlay(const QString &text);
-    void hideOverlay();
-    void showOverlayOfPipeline(const QString &text);
-    void hideOverlayOfPipeline();
-    void postForPipeline(const std::function<void()> &call);
-
-    // pipeline/
-    void loadCached(const PipelineCtx &record);
-    bool buildNew(const QByteArray &uri, const QString &key);
-    void bindVideoItem(PipelineCtx &record);
-    void prerollOnceInitialized(const QQuickItem *item);
-    void refuseUnsupported();
-    void abandon(PipelineCtx &record);
-    void makeCurrent(const PipelineCtx &record); // lock held
-    void retireCurrent(); // lock held
-    void releaseCurrent(); // lock held, or the thread joined
-    void releaseCache(); // the thread joined
-    bool noteContext(); // whether the video item is under the GL context of the last report
-    static void releaseRecord(PipelineCtx &record);
-    static void awaitNull(GstElement *element);
-    static bool isAboveReady(GstElement *element); // or on its way there; any thread
-    static void emptyBus(GstElement *element);
-    static GstStateChangeReturn changeState(GstElement *element, GstState state); // any thread
-    void nextGeneration(); // any thread
-
-    // update/
-    void updatePass(); // update thread
-    bool drainBus(GstElement *current); // update thread; false when it is no longer current
-    void publish(GstElement *current); // update thread
-    bool listensTo(const GstElement *candidate); // update thread, lock held
-    void dropOvertakenEnd(); // GUI, lock held
-    void handleError(); // lock held, like the next three
-    void handleEndOfStream();
-    void handleStateChanged(GstMessage *message);
-    void dumpGraph();
-    void runCommand(std::int32_t command);
-    void commandPlayState();
-    void commandSeek();
-    void commandTransform();
-    void applyVolume();
-    void report(bool done);
+    Quirks quirks;
 };
 
 Q_DECLARE_METATYPE(GstState)

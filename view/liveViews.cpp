@@ -1,14 +1,10 @@
 #include "view/liveViews.h"
 
+#include "boundary/AtomicAccess.h"
 #include "update/cThread.h"
-#include "view/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
-#include <link.h>
-
 #include <algorithm>
-#include <cstdlib>
-#include <utility>
 #include <vector>
 
 namespace
@@ -16,66 +12,55 @@ namespace
 
 // Never destroyed: a host may destroy its application object, and so come to endLiveViews(), after
 // the library's static objects are gone.
-std::vector<MediaPlayerView *> &liveViews()
+std::vector<MediaPlayerView *> &list()
 {
     static auto *views = new std::vector<MediaPlayerView *>;
     return *views;
 }
 
-// A process that calls exit() while its application object lives comes here with its players alive.
-// Qt is going, so they are not deleted any more; but nothing of ours may run on.
-void silenceViews()
+// The process calls exit() with players alive. Qt is going, so they are not deleted any more; but
+// nothing of ours may run on.
+void stopLiveViews()
 {
-    for (MediaPlayerView *view : liveViews())
-        view->silence();
-    liveViews().clear();
+    for (MediaPlayerView *view : list()) {
+        storeRelease(view->pipelineActive, false);
+        view->thread->destroyThread();
+        if (view->pipeline)
+            gst_element_set_state(view->pipeline, GST_STATE_NULL);
+    }
+    list().clear();
 }
 
 } // namespace
 
 void addLiveView(MediaPlayerView *view)
 {
-    silenceViewsAtExit();
-    liveViews().push_back(view);
+    MediaPlayerView::librariesLoaded();
+    list().push_back(view);
 }
 
 void removeLiveView(MediaPlayerView *view)
 {
-    std::erase(liveViews(), view);
+    std::erase(list(), view);
 }
 
-// What is registered last is called first, and stays registered.
-void silenceViewsAtExit()
+std::span<MediaPlayerView *const> liveViews()
 {
-    using Loads = decltype(dl_phdr_info::dlpi_adds);
-    static Loads before = 0;
-    Loads now = 0;
-    dl_iterate_phdr(
-        [](dl_phdr_info *info, std::size_t, void *loads) {
-            *static_cast<Loads *>(loads) = info->dlpi_adds;
-            return 1;
-        },
-        &now);
-    if (std::exchange(before, now) != now)
-        std::atexit(silenceViews);
+    return list();
+}
+
+bool isLive(const MediaPlayerView *view)
+{
+    return std::ranges::find(list(), view) != list().end();
 }
 
 void endLiveViews()
 {
-    while (!liveViews().empty())
-        delete liveViews().back();
+    while (!list().empty())
+        delete list().back();
 }
 
-bool MediaPlayerView::isUsable(MediaPlayerView *view)
+void MediaPlayerView::librariesLoaded()
 {
-    const auto &views = liveViews();
-    return std::find(views.begin(), views.end(), view) != views.end() && !view->ending;
-}
-
-void MediaPlayerView::silence()
-{
-    storeRelease(pipelineActive, false);
-    thread->destroyThread();
-    if (pipeline)
-        gst_element_set_state(pipeline, GST_STATE_NULL);
+    Quirks::librariesLoaded(stopLiveViews);
 }

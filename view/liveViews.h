@@ -1,20 +1,22 @@
 #ifndef LIVEVIEWS_H
 #define LIVEVIEWS_H
 
+#include <span>
+
 class MediaPlayerView;
 
-// The views of this process, kept so that a record's `view` can be checked before it is followed,
-// and so that the application's end finds those that are still alive. GUI thread.
+// The views of this process. [gui]
 
 void addLiveView(MediaPlayerView *view);
 void removeLiveView(MediaPlayerView *view);
 
-/// Has what plays stopped at the process's exit before the libraries end that have been loaded so
-/// far. To be called again when a pipeline has loaded its decoders and the GL driver; those would
-/// end first otherwise.
-void silenceViewsAtExit();
+std::span<MediaPlayerView *const> liveViews();
 
-/// Deletes the views that are still alive.
+/// Whether `view` is a view of this process. Accepts any address, such as what a host's record
+/// holds.
+bool isLive(const MediaPlayerView *view);
+
+/// Deletes the views that are still alive when the application object goes.
 void endLiveViews();
 
 #endif

@@ -1,10 +1,10 @@
 #include "view/scene.h"
 
 #include "diagnostics/Trace.h"
-#include "view/AtomicAccess.h"
+#include "pipeline/surface.h"
 #include "view/MediaPlayerView.h"
 #include "view/liveViews.h"
-#include "view/renderThread.h"
+#include "view/placement.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtQml/QQmlComponent>
@@ -15,7 +15,7 @@
 namespace
 {
 
-QQmlEngine *engine = nullptr; // GUI thread
+QQmlEngine *engine = nullptr; // [gui]
 
 void endEngine()
 {
@@ -28,7 +28,7 @@ void endEngine()
 
 QString sceneFile(const char *name)
 {
-    return QStringLiteral("/opt/VexadorControl/") + QLatin1String(name);
+    return QStringLiteral(MEDIAPLAYER_SCENE_DIR "/") + QLatin1String(name);
 }
 
 QQmlEngine *sharedEngine()
@@ -38,11 +38,6 @@ QQmlEngine *sharedEngine()
         qAddPostRoutine(endEngine);
     }
     return engine;
-}
-
-QQuickItem *findVideoItem(const QQuickItem *root)
-{
-    return root->findChild<QQuickItem *>(QStringLiteral("videoItem"));
 }
 
 void MediaPlayerView::initQuickWidget()
@@ -65,74 +60,7 @@ void MediaPlayerView::initQuickWidget()
     traceLine("MediaPlayerView::connect onVisible");
     connect(videoObject, SIGNAL(videoSurfaceReadyChanged(bool)), this, SLOT(onVisible(bool)));
     connect(videoObject, SIGNAL(destruct()), this, SLOT(onDestruct()));
-    if (QQuickItem *item = findVideoItem(videoObject)) {
-        renderThreadNote = new RenderThreadNote(item);
-        connect(item, &QQuickItem::windowChanged, this, &MediaPlayerView::videoItemArrives);
-    }
-    attachVideoObject();
-}
-
-void MediaPlayerView::videoItemArrives(QQuickWindow *in)
-{
-    if (!in)
-        return; // what the window was given to run is still to be run
-    arrivingIn = in;
-    connect(
-        in, &QQuickWindow::afterSynchronizing, this,
-        [this, arrival = ++arrivals] {
-            if (arrival == arrivals)
-                arrivingIn = nullptr;
-        },
-        Qt::ConnectionType(Qt::AutoConnection | Qt::SingleShotConnection));
-}
-
-// The host's item may answer a new child with whatever its QML does.
-void MediaPlayerView::attachVideoObject()
-{
-    if (videoObject)
-        videoObject->setParent(parentItem);
-    if (renderThreadNote && parentItem && parentItem->window())
-        renderThreadNote->tend(parentItem->window());
-    if (videoObject)
-        videoObject->setParentItem(parentItem);
-}
-
-void MediaPlayerView::showOverlay(const QString &text)
-{
-    QMetaObject::invokeMethod(videoObject, "showOverlay", Qt::QueuedConnection,
-                              Q_ARG(QVariant, QVariant(text)));
-}
-
-void MediaPlayerView::hideOverlay()
-{
-    QMetaObject::invokeMethod(videoObject, "hideOverlay", Qt::QueuedConnection);
-}
-
-// The video object may only be reached on the GUI thread, so what the update thread has to say is
-// posted to the view. There it is said at once: one hop, as for texts of the GUI thread, so the
-// order of texts is the order of events. By then another file may be current.
-void MediaPlayerView::showOverlayOfPipeline(const QString &text)
-{
-    postForPipeline([this, text] {
-        QMetaObject::invokeMethod(videoObject, "showOverlay", Qt::DirectConnection,
-                                  Q_ARG(QVariant, QVariant(text)));
-    });
-}
-
-void MediaPlayerView::hideOverlayOfPipeline()
-{
-    postForPipeline(
-        [this] { QMetaObject::invokeMethod(videoObject, "hideOverlay", Qt::DirectConnection); });
-}
-
-void MediaPlayerView::postForPipeline(const std::function<void()> &call)
-{
-    const GstElement *const subject = pipeline;
-    QMetaObject::invokeMethod(
-        this,
-        [this, subject, call] {
-            if (!ending && videoObject && subject == pipeline)
-                call();
-        },
-        Qt::QueuedConnection);
+    if (QQuickItem *item = findVideoItem(videoObject))
+        quirks.sceneMade(item);
+    attachVideoObject(*this);
 }

@@ -1,11 +1,11 @@
-#include "pipeline/lostError.h"
+#include "quirks/LostError.h"
 
 #include "pipeline/GstHandle.h"
 
 namespace
 {
 
-/// Its task, which pulls the file, is at rest, and it has nothing to push to.
+/// A demuxer that stopped pulling without having created a source pad.
 bool hasGivenUp(GstElement *element)
 {
     const ObjectRef<GstPad> entry(gst_element_get_static_pad(element, "sink"));
@@ -29,7 +29,7 @@ int compare(gconstpointer candidate, gconstpointer)
 
 } // namespace
 
-void tellLostError(GstElement *pipeline)
+void postLostError(GstElement *pipeline)
 {
     GstIterator *const elements = gst_bin_iterate_recurse(GST_BIN(pipeline));
     GValue found = G_VALUE_INIT;
