@@ -73,14 +73,14 @@ QQuickItem *Scene::item(const char *name) const
 
 PlaceWatch::PlaceWatch(Player &player)
 {
-    QObject::connect(&player, &Player::positionChanged,
-                     [this](qint64 place) { places.append(place); });
+    connect(&player, &Player::positionChanged, this,
+            [this](qint64 place) { places.append(place); });
 }
 
 Commands::Commands(Player &player)
 {
-    QObject::connect(&player, &Player::commandAnswered,
-                     [this](int command) { codes.append(command); });
+    connect(&player, &Player::commandAnswered, this,
+            [this](int command) { codes.append(command); });
 }
 
 int runClientTest(int argc, char **argv, const std::function<int(int, char **)> &test)

@@ -50,7 +50,7 @@ public:
 };
 
 /// Records the places that a player shows, and whether one lay before the one before it.
-class PlaceWatch
+class PlaceWatch : public QObject
 {
 public:
     explicit PlaceWatch(Player &player);
@@ -70,7 +70,7 @@ inline bool plays(const Player &player, qint64 beyond)
 }
 
 /// The commands that a player has sent, and had answered.
-class Commands
+class Commands : public QObject
 {
 public:
     explicit Commands(Player &player);
