@@ -43,7 +43,7 @@ static void look()
         return;
     QWindow *const window = *shown;
     const int colours = coloursIn(window->screen()->grabWindow(window->winId()).toImage());
-    if (colours != (step == 1 ? 0 : 4))
+    if (step == 1 ? colours > 1 : colours < 4) // what is white may be the page
         return;
     const bool last = qgetenv("PROBE") != "pages" || step == 2;
     ++step;
