@@ -13,9 +13,7 @@ namespace MediaPlayer
 {
 
 ItemPlace::ItemPlace(Video *video)
-    : q(video)
-    , frame(std::make_unique<QQuickItem>())
-    , picture(std::make_unique<QQuickItem>())
+    : q(video), frame(std::make_unique<QQuickItem>()), picture(std::make_unique<QQuickItem>())
 {
     for (QQuickItem *item : {frame.get(), picture.get()})
         QQmlEngine::setObjectOwnership(item, QQmlEngine::CppOwnership);
@@ -57,8 +55,7 @@ void ItemPlace::pictureChanged()
 {
     const bool lies = orientation % 180 != 0;
     const QSizeF size = lies ? QSizeF(pictureSize()).transposed() : QSizeF(pictureSize());
-    const QRectF seen
-        = placeOf(size, q->size(), Qt::AspectRatioMode(mode), QMarginsF(margins));
+    const QRectF seen = placeOf(size, q->size(), Qt::AspectRatioMode(mode), QMarginsF(margins));
     const QSizeF unturned = lies ? seen.size().transposed() : seen.size();
     frame->setSize(q->size());
     frame->setClip(!QRectF(QPointF(), q->size()).contains(seen));

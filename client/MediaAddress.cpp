@@ -33,11 +33,9 @@ QByteArray uriOfPath(const QString &path)
 /// Only the owner can enter a QTemporaryDir. A short path is wanted, so not every place will do.
 std::unique_ptr<QTemporaryDir> makePrivateFolder()
 {
-    for (const QString &above :
-         {QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation), QDir::tempPath(),
-          QStringLiteral("/tmp")}) {
-        if (above.isEmpty()
-            || uriOfPath(above + folderName).size() + roomForName > roomForUri)
+    for (const QString &above : {QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation),
+                                 QDir::tempPath(), QStringLiteral("/tmp")}) {
+        if (above.isEmpty() || uriOfPath(above + folderName).size() + roomForName > roomForUri)
             continue;
         auto folder = std::make_unique<QTemporaryDir>(above + folderName);
         if (folder->isValid())
@@ -61,8 +59,9 @@ MediaAddress::~MediaAddress()
 
 void MediaAddress::resolve(const QUrl &given, Receiver receiver)
 {
-    if (m_asked)
-        m_asked->abort();
+    // Forgotten first, which tells this from an end by a server's silence.
+    if (const QPointer<QNetworkReply> before = std::exchange(m_asked, nullptr))
+        before->abort();
     QUrl source = given;
     if (source.isRelative())
         source = QUrl::fromLocalFile(source.path());
@@ -163,12 +162,12 @@ void MediaAddress::askServer(const QUrl &source, std::function<void(const Failur
         if (reply->error() == QNetworkReply::NoError || status == 405 || status == 501)
             return receiver({}); // all is well, or it does not answer such questions
         const bool denied = status == 401 || status == 403;
-        const QString phrase
-            = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
+        const QString phrase =
+            reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
         receiver({denied ? Player::AccessDeniedError : Player::NetworkError,
-                  status ? Player::tr("The server answers: %1 %2").arg(status).arg(phrase)
-                         : Player::tr("The server cannot be reached: %1")
-                               .arg(reply->errorString())});
+                  status
+                      ? Player::tr("The server answers: %1 %2").arg(status).arg(phrase)
+                      : Player::tr("The server cannot be reached: %1").arg(reply->errorString())});
     });
 }
 

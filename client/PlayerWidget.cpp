@@ -102,15 +102,13 @@ void WidgetPlace::pictureChanged()
 {
     if (!control)
         return;
-    const QRect place
-        = placeOf(pictureSize(), q->size(), mode, margins).toAlignedRect();
+    const QRect place = placeOf(pictureSize(), q->size(), mode, margins).toAlignedRect();
     control->SysNativeControlMove(place.left(), place.top(), place.right(), place.bottom());
     q->updateGeometry();
 }
 
 PlayerWidget::PlayerWidget(QWidget *parent)
-    : QWidget(parent)
-    , d(std::make_unique<WidgetPlace>(this))
+    : QWidget(parent), d(std::make_unique<WidgetPlace>(this))
 {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Shadow);

@@ -23,8 +23,8 @@ class MEDIAPLAYER_CLIENT PlayerWidget : public QWidget
     Q_PROPERTY(Qt::AspectRatioMode aspectRatioMode READ aspectRatioMode WRITE setAspectRatioMode
                    NOTIFY aspectRatioModeChanged)
     Q_PROPERTY(bool fullScreen READ isFullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
-    Q_PROPERTY(MediaPlayer::Player::WhenHidden whenHidden READ whenHidden WRITE setWhenHidden
-                   NOTIFY whenHiddenChanged)
+    Q_PROPERTY(MediaPlayer::Player::WhenHidden whenHidden READ whenHidden WRITE setWhenHidden NOTIFY
+                   whenHiddenChanged)
     Q_PROPERTY(QMargins cropMargins READ cropMargins WRITE setCropMargins NOTIFY cropMarginsChanged)
 
 public:

@@ -53,9 +53,10 @@ PluginFunctions load()
     PluginFunctions found;
     QLibrary library(pluginPath());
     if (!library.load())
-        return {.problem = QCoreApplication::translate(
-                    "MediaPlayer::Player", "The media player plug-in cannot be loaded: %1")
-                               .arg(library.errorString())};
+        return {.problem =
+                    QCoreApplication::translate("MediaPlayer::Player",
+                                                "The media player plug-in cannot be loaded: %1")
+                        .arg(library.errorString())};
     if (find(library, "Create", found.create) && find(library, "CreateQML", found.createQml)
         && find(library, "enableDebug", found.enableDebug)
         && find(library, "enableWorkaround", found.enableWorkaround))

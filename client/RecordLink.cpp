@@ -45,7 +45,7 @@ void RecordLink::registerAt(BasicWidget *control)
     auto *const view = reinterpret_cast<QObject *>(m_record->view);
     if (view && view != m_watched) {
         m_watched = view;
-        connect(view, &QObject::destroyed, [shared = m_record] { });
+        connect(view, &QObject::destroyed, [shared = m_record] {});
         connect(view, &QObject::destroyed, this, [this] { m_watched = nullptr; });
     }
     m_timer.start();
@@ -54,6 +54,7 @@ void RecordLink::registerAt(BasicWidget *control)
 void RecordLink::send(int command)
 {
     m_running = true;
+    m_error = readShared(m_record->error) != 0 || m_error;
     writeShared(m_record->done, std::int8_t(0));
     writeShared(m_record->error, std::int8_t(0));
     writeShared(m_record->busy, std::int8_t(1));
@@ -64,6 +65,7 @@ void RecordLink::send(int command)
 
 void RecordLink::awaitNews()
 {
+    m_error = false;
     writeShared(m_record->error, std::int8_t(0));
     writeShared(m_record->state, std::int32_t(0));
     writeShared(m_record->duration, std::int64_t(0));
@@ -82,7 +84,7 @@ Published RecordLink::published() const
     if (const std::int64_t position = readShared(m_record->position); position >= 0)
         now.position = position / nsPerMs;
     now.duration = std::max<std::int64_t>(readShared(m_record->duration), 0) / nsPerMs;
-    now.error = readShared(m_record->error) != 0;
+    now.error = m_error || readShared(m_record->error) != 0;
     return now;
 }
 

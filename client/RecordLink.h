@@ -72,6 +72,7 @@ private:
     const void *m_watched = nullptr;
     QTimer m_timer;
     bool m_running = false;
+    bool m_error = false; ///< seen before a command took it away
 };
 
 } // namespace MediaPlayer

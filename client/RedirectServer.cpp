@@ -116,8 +116,8 @@ QByteArray redirect(const QUrl &target, const QByteArray &suffix)
 {
     if (server().port == 0)
         return {};
-    const QByteArray path
-        = server().add(target.toEncoded(QUrl::FullyEncoded | QUrl::RemoveFragment), suffix);
+    const QByteArray path =
+        server().add(target.toEncoded(QUrl::FullyEncoded | QUrl::RemoveFragment), suffix);
     return "http://127.0.0.1:" + QByteArray::number(server().port) + path;
 }
 

@@ -31,15 +31,15 @@ Q_SIGNALS:
 ///
 /// Its properties, methods and signals are those of Qt's QML type Video. Those that are a player's
 /// work on the one that is shown; with `player` set, set them there, since QML sets the properties
-/// of an object in no order. What is not described here is described at Player. An item without a size, or
-/// in no window, plays sound all the same; a film starts when it is first seen. It takes no input
-/// events. GUI thread.
+/// of an object in no order. What is not described here is described at Player. An item without a
+/// size, or in no window, plays sound all the same; a film starts when it is first seen. It takes
+/// no input events. GUI thread.
 class MEDIAPLAYER_CLIENT Video : public QQuickItem
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(MediaPlayer::Player *player READ player WRITE setPlayer RESET resetPlayer
-                   NOTIFY playerChanged)
+    Q_PROPERTY(MediaPlayer::Player *player READ player WRITE setPlayer RESET resetPlayer NOTIFY
+                   playerChanged)
 
     // The player's.
     Q_PROPERTY(QUrl source READ source WRITE setSource NOTIFY sourceChanged)
@@ -50,10 +50,10 @@ class MEDIAPLAYER_CLIENT Video : public QQuickItem
     Q_PROPERTY(bool hasVideo READ hasVideo NOTIFY hasVideoChanged)
     Q_PROPERTY(bool seekable READ isSeekable NOTIFY seekableChanged)
     Q_PROPERTY(int loops READ loops WRITE setLoops NOTIFY loopsChanged)
-    Q_PROPERTY(MediaPlayer::Player::PlaybackState playbackState READ playbackState
-                   NOTIFY playbackStateChanged)
-    Q_PROPERTY(MediaPlayer::Player::MediaStatus mediaStatus READ mediaStatus
-                   NOTIFY mediaStatusChanged)
+    Q_PROPERTY(MediaPlayer::Player::PlaybackState playbackState READ playbackState NOTIFY
+                   playbackStateChanged)
+    Q_PROPERTY(
+        MediaPlayer::Player::MediaStatus mediaStatus READ mediaStatus NOTIFY mediaStatusChanged)
     Q_PROPERTY(QVariantMap metaData READ metaData NOTIFY metaDataChanged)
     Q_PROPERTY(MediaPlayer::Player::Error error READ error NOTIFY errorChanged)
     Q_PROPERTY(QString errorString READ errorString NOTIFY errorChanged)
@@ -65,10 +65,10 @@ class MEDIAPLAYER_CLIENT Video : public QQuickItem
     Q_PROPERTY(FillMode fillMode READ fillMode WRITE setFillMode NOTIFY fillModeChanged)
     Q_PROPERTY(int orientation READ orientation WRITE setOrientation NOTIFY orientationChanged)
     Q_PROPERTY(bool mirrored READ isMirrored WRITE setMirrored NOTIFY mirroredChanged)
-    Q_PROPERTY(MediaPlayer::Player::WhenHidden whenHidden READ whenHidden WRITE setWhenHidden
-                   NOTIFY whenHiddenChanged)
-    Q_PROPERTY(QList<int> cropMargins READ cropMargins WRITE setCropMargins
-                   NOTIFY cropMarginsChanged)
+    Q_PROPERTY(MediaPlayer::Player::WhenHidden whenHidden READ whenHidden WRITE setWhenHidden NOTIFY
+                   whenHiddenChanged)
+    Q_PROPERTY(
+        QList<int> cropMargins READ cropMargins WRITE setCropMargins NOTIFY cropMarginsChanged)
 
 public:
     enum FillMode {

@@ -104,7 +104,8 @@ std::optional<int> PlayerPrivate::nextOfMedium()
     const bool plays = ready && !m_seek.isToSend() && m_sentState != wantedState();
     if (plays)
         m_settings.removeOne(MediaPlayerCommandVolume); // it goes with the state
-    if (!m_settings.isEmpty())
+    // Not before it can play: the answer to a setting would take an error of the preroll away.
+    if (ready && !m_settings.isEmpty())
         return m_settings.takeFirst();
     if (ready && m_seek.isToSend()) {
         link.record().seekPosition = m_seek.take() * nsPerMs;

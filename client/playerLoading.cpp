@@ -126,8 +126,8 @@ void PlayerPrivate::noticeFailure()
     const bool told = !link.property("errorText").toString().isEmpty();
     const bool failed = m_errorSeen || (told && m_phase == Phase::Prerolling);
     m_patience = failed ? m_patience + 1 : 0;
-    const bool waits = m_errorSeen ? !told && m_patience <= looksForWords
-                                   : m_patience <= looksForPreroll;
+    const bool waits =
+        m_errorSeen ? !told && m_patience <= looksForWords : m_patience <= looksForPreroll;
     if (failed && !waits)
         explain();
 }

@@ -85,8 +85,8 @@ void PlayerPrivate::makeView()
     m_patience = 0;
     if (m_current && enter(m_current))
         return;
-    BasicWidget *const control
-        = plugin().createQml(m_viewWindow.get(), nullptr, nullptr, 0, 0, 0, 0);
+    BasicWidget *const control =
+        plugin().createQml(m_viewWindow.get(), nullptr, nullptr, 0, 0, 0, 0);
     link.registerAt(control);
     control->saveObject(); // which deletes it
 }

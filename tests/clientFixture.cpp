@@ -42,7 +42,8 @@ Scene::Scene(const QByteArray &qml, QObject *film) : engine(std::make_unique<QQm
     engine->addImportPath(QStringLiteral(QML_MODULES));
     engine->rootContext()->setContextProperty(QStringLiteral("film"), film);
     QQmlComponent component(engine.get());
-    component.setData("import QtQuick; import QtQuick.Window; import MediaPlayer\n" + qml, QUrl());
+    component.setData("import QtQuick; import QtQuick.Window; import MediaPlayer\n" + qml,
+                      media("Scene.qml"));
     root.reset(component.create());
     if (!root)
         qFatal("%s", qPrintable(component.errorString()));

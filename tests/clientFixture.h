@@ -30,6 +30,7 @@ QUrl media(const char *name);
 QByteArray picture(QWindow *window, QRect part = {});
 
 /// A scene of QML with the modules QtQuick and MediaPlayer, and an object `film` in its context.
+/// Its sources are relative to the folder of the media.
 class Scene
 {
 public:

@@ -12,14 +12,14 @@ int main(int argc, char **argv)
     layout->addWidget(video, 1);
     auto *bar = new QSlider(Qt::Horizontal);
     layout->addWidget(bar);
-    MediaPlayer::Player *player = video->player();
+    MediaPlayer::Player *film = video->player();
     using P = MediaPlayer::Player;
-    QObject::connect(player, &P::durationChanged, bar, &QSlider::setMaximum);
-    QObject::connect(player, &P::positionChanged, bar, &QSlider::setValue);
-    QObject::connect(bar, &QSlider::sliderMoved, player, &P::setPosition);
-    QObject::connect(player, &P::errorChanged, [&] { window.setWindowTitle(player->errorString()); });
-    player->setSource(QUrl::fromLocalFile(app.arguments().value(1)));
-    player->play();
+    QObject::connect(film, &P::durationChanged, bar, &QSlider::setMaximum);
+    QObject::connect(film, &P::positionChanged, bar, &QSlider::setValue);
+    QObject::connect(bar, &QSlider::sliderMoved, film, &P::setPosition);
+    QObject::connect(film, &P::errorChanged, [&] { window.setWindowTitle(film->errorString()); });
+    film->setSource(QUrl::fromLocalFile(app.arguments().value(1)));
+    film->play();
     window.show();
     return app.exec();
 }

@@ -1,6 +1,6 @@
-// Preloaded into a program that nobody else looks at: waits until its window shows the four colours of
-// quadrants.webm; where PROBE is "pages", clicks its upper edge, waits until they are gone, and goes
-// back; then closes the window as a user does.
+// Preloaded into a program that nobody else looks at: waits until its window shows the four colours
+// of quadrants.webm; where PROBE is "pages", clicks its upper edge, waits until they are gone, and
+// goes back; then closes the window as a user does.
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
