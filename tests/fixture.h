@@ -66,6 +66,7 @@ public:
     int state() { return loadRelaxed(record.state); }
     qint64 position() { return loadRelaxed(record.position); }
     qint64 duration() { return loadRelaxed(record.duration); }
+    QVariant told(const char *name) { return view()->property(name); } ///< beside the record
     MediaPlayerView *view() { return m_recordGone ? nullptr : record.view; }
     QQuickItem *place(); ///< the item that the picture of the newest control goes into
     QQuickItem *videoItem();
