@@ -101,7 +101,7 @@ Wrappers &wrappers()
     return *instance;
 }
 
-void watch(QQuickWindow *window)
+void watchDrawing(QQuickWindow *window)
 {
     static auto *watched = new std::set<const QObject *>; // GUI thread
     if (!watched->insert(window).second)
@@ -128,6 +128,6 @@ void keepCurrentContext(QQuickItem *videoItem)
 {
     QObject::connect(videoItem, &QQuickItem::windowChanged, videoItem, [](QQuickWindow *window) {
         if (window)
-            watch(window);
+            watchDrawing(window);
     });
 }
