@@ -9,10 +9,12 @@ namespace
 {
 
 /// Elements that stop since another one has failed, or since one is missing, say no more than that.
+/// What is missing is told apart from its error.
 Relay::Fault faultOf(const GError *error)
 {
     const bool follows = g_error_matches(error, GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED)
         || g_error_matches(error, GST_STREAM_ERROR, GST_STREAM_ERROR_CODEC_NOT_FOUND)
+        || g_error_matches(error, GST_CORE_ERROR, GST_CORE_ERROR_STATE_CHANGE)
         || g_error_matches(error, GST_CORE_ERROR, GST_CORE_ERROR_MISSING_PLUGIN);
     return follows ? Relay::Fault::Consequence : Relay::Fault::Error;
 }

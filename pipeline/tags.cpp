@@ -1,6 +1,7 @@
 #include "pipeline/tags.h"
 
 #include "pipeline/GstHandle.h"
+#include "pipeline/videoFilter.h"
 
 #include <QtCore/QBuffer>
 #include <QtCore/QThreadPool>
@@ -60,6 +61,18 @@ bool isOfVideo(GstMessage *message)
         ? gst_element_get_metadata(GST_ELEMENT(sink), GST_ELEMENT_METADATA_KLASS)
         : nullptr;
     return kind && std::strstr(kind, "Video");
+}
+
+/// How the picture still has to be turned to stand upright: not at all where the chain does it.
+QVariant orientationOf(const GstTagList *tags, GstMessage *message)
+{
+    const QVariant told = valueOf(tags, GST_TAG_IMAGE_ORIENTATION);
+    const ObjectRef<GstObject> pipeline(gst_object_get_parent(GST_MESSAGE_SRC(message)));
+    const ObjectRef<GstElement> turner(
+        told.isValid() && GST_IS_BIN(pipeline.get())
+            ? gst_bin_get_by_name(GST_BIN(pipeline.get()), videoTurnerName)
+            : nullptr);
+    return turner ? QVariant(QStringLiteral("rotate-0")) : told;
 }
 
 QImage decode(GstBuffer *buffer)
@@ -126,7 +139,7 @@ void tellOfTags(Overheard &overheard, GstMessage *message)
     }
     if (const QVariant bits = valueOf(list, GST_TAG_BITRATE); bits.isValid() && !ofAll)
         said[ofVideo ? QStringLiteral("videoBitRate") : QStringLiteral("audioBitRate")] = bits;
-    const QVariant orientation = ofVideo ? valueOf(list, GST_TAG_IMAGE_ORIENTATION) : QVariant();
+    const QVariant orientation = ofVideo ? orientationOf(list, message) : QVariant();
 
     overheard.relay->change(overheard.media, [&](QVariantMap &values) {
         overheard.said[ofAll ? 2 : int(ofVideo)].insert(said);

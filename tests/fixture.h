@@ -15,7 +15,7 @@
 #include <memory>
 
 // Waiting is for an event, and this long at most, also on a slow machine under a sanitizer.
-constexpr int patience = 20'000;
+constexpr int patience = 7'000;
 #define AWAIT(condition) WITH_PATIENCE(QTRY_VERIFY_WITH_TIMEOUT(condition, patience))
 #define AWAIT_OR_SAY(condition, text)                                                              \
     WITH_PATIENCE(QTRY_VERIFY2_WITH_TIMEOUT(condition, text, patience))

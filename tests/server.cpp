@@ -82,6 +82,7 @@ void Server::serve(QTcpSocket *socket)
         answer->bytes.chop(rest.size() / 2);
 
     auto *const timer = new QTimer(socket);
+    QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     QObject::connect(timer, &QTimer::timeout, socket,
                      [this, socket, answer] { send(socket, *answer); });
     QTimer::singleShot(answer->does("slow") ? 1500 : 0, timer, [timer, answer] {
@@ -92,6 +93,8 @@ void Server::serve(QTcpSocket *socket)
 
 void Server::send(QTcpSocket *socket, Answer &answer)
 {
+    if (socket->state() != QAbstractSocket::ConnectedState)
+        return;
     const bool hasStarted = answer.sent > 0;
     qint64 count = answer.bytes.size() - answer.sent;
     if (answer.does("fast"))

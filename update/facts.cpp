@@ -41,17 +41,22 @@ void addPicture(QVariantMap &facts, GstPad *pad)
     facts[QStringLiteral("pixelAspectRatio")] = QSize(numerator, denominator);
 }
 
-void addSource(QVariantMap &facts, GstElement *pipeline)
+void addSeekable(QVariantMap &facts, GstElement *pipeline)
 {
     const QueryRef seeking(gst_query_new_seeking(GST_FORMAT_TIME));
     gboolean seekable = false;
-    if (gst_element_query(pipeline, seeking.get())) {
-        gst_query_parse_seeking(seeking.get(), nullptr, &seekable, nullptr, nullptr);
-        facts[QStringLiteral("seekable")] = bool(seekable);
-    }
+    if (!gst_element_query(pipeline, seeking.get()))
+        return;
+    gst_query_parse_seeking(seeking.get(), nullptr, &seekable, nullptr, nullptr);
+    facts[QStringLiteral("seekable")] = bool(seekable);
+}
+
+/// What comes before the sink is asked: a sink that keeps time calls itself live.
+void addLive(QVariantMap &facts, GstElement *pipeline, GstPad *sinkPad)
+{
     const QueryRef latency(gst_query_new_latency());
     gboolean live = recordedState(pipeline).last == GST_STATE_CHANGE_NO_PREROLL;
-    if (!live && !gst_element_query(pipeline, latency.get()))
+    if (!live && (!sinkPad || !gst_pad_peer_query(sinkPad, latency.get())))
         return;
     if (!live)
         gst_query_parse_latency(latency.get(), &live, nullptr, nullptr);
@@ -71,6 +76,7 @@ QVariantMap factsOf(GstElement *pipeline)
     facts[QStringLiteral("hasAudio")] = bool(audio);
     if (video)
         addPicture(facts, video.get());
-    addSource(facts, pipeline);
+    addSeekable(facts, pipeline);
+    addLive(facts, pipeline, video ? video.get() : audio.get());
     return facts;
 }

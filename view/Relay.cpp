@@ -32,7 +32,7 @@ void Relay::reset()
     supply.held = false;
     ++supply.run;
     m_hushed = false;
-    m_errorIsOld = true;
+    m_told = Fault::None;
 }
 
 void Relay::follow(const GstElement *media, bool fromNetwork)
@@ -76,7 +76,7 @@ void Relay::setHushed(bool hushed)
 void Relay::dropOldError()
 {
     const std::lock_guard guard(m_mutex);
-    if (m_errorIsOld && !m_refused)
+    if (m_told == Fault::None && !m_refused)
         apply([](QVariantMap &values) { values.remove(errorText); });
 }
 
@@ -85,9 +85,9 @@ void Relay::report(const GstElement *media, Fault fault, const QString &text)
     const std::lock_guard guard(m_mutex);
     if (media != m_media || m_hushed)
         return;
-    const bool isNews = fault != Fault::Consequence || m_errorIsOld;
+    const bool isNews = fault > m_told;
     if (isNews) {
-        m_errorIsOld = false;
+        m_told = fault;
         m_refused = false;
     }
     supply.failed = supply.failed || fault != Fault::Missing;
@@ -105,11 +105,14 @@ void Relay::sought(const GstElement *media, bool taken)
     if (media != m_media)
         return;
     m_seekRefused = !taken;
-    if (taken)
+    if (taken) {
+        m_told = Fault::None; // it may have left the fault behind
+        supply.failed = false;
         return;
+    }
     apply([](QVariantMap &values) {
         values[seekable] = false;
-        values[errorText] = QStringLiteral("The source cannot be sought in.");
+        values[errorText] = QStringLiteral("The source does not allow seeking.");
     });
 }
 

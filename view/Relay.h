@@ -43,10 +43,12 @@ class Relay : public QEnableSharedFromThis<Relay>
 {
 public:
     using Edit = std::function<void(QVariantMap &)>;
+    /// One fault brings several messages. The first of the highest kind is its reason.
     enum class Fault {
+        None,
+        Consequence, ///< an error that only says that another one has stopped an element
         Missing, ///< a stream cannot be decoded; others may play
         Error,
-        Consequence, ///< an error that only says that another one has stopped an element
     };
 
     explicit Relay(QObject *view) : m_view(view) { }
@@ -97,7 +99,7 @@ private:
     bool m_onItsWay = false; ///< to the GUI thread
     bool m_refused = false;
     bool m_hushed = false;
-    bool m_errorIsOld = true;
+    Fault m_told = Fault::None; ///< of this run, in errorText; an older text stays until then
     bool m_seekRefused = false;
 };
 
