@@ -5,6 +5,8 @@
 
 #include <gst/pbutils/pbutils.h>
 
+#include <cstring>
+
 namespace
 {
 
@@ -37,6 +39,51 @@ void tellOfMissingPlugin(const Overheard &overheard, GstMessage *message)
         QStringLiteral("Not installed: %1").arg(QString::fromUtf8(missing.get())));
 }
 
+struct Header {
+    const char *name;
+    const char *value = nullptr;
+};
+
+const char *valueOf(const GstStructure *headers, const char *name)
+{
+    Header header {name};
+    gst_structure_foreach(
+        headers,
+        [](GQuark field, const GValue *value, gpointer data) -> gboolean {
+            auto &wanted = *static_cast<Header *>(data);
+            if (G_VALUE_HOLDS_STRING(value)
+                && g_ascii_strcasecmp(g_quark_to_string(field), wanted.name) == 0)
+                wanted.value = g_value_get_string(value);
+            return true;
+        },
+        &header);
+    return header.value;
+}
+
+/// GStreamer takes every server that tells a length for one that can begin in the middle. Where it
+/// cannot, a seek ends the media with an error, so it has to be known before. A playlist's own
+/// server says nothing of the pieces.
+void tellOfServer(const Overheard &overheard, GstMessage *message)
+{
+    if (!gst_message_has_name(message, "http-headers"))
+        return;
+    const GstStructure *const answer = gst_message_get_structure(message);
+    const GValue *const headers = gst_structure_get_value(answer, "response-headers");
+    guint status = 0;
+    gst_structure_get_uint(answer, "http-status-code", &status);
+    if (status / 100 != 2 || !headers || !GST_VALUE_HOLDS_STRUCTURE(headers))
+        return;
+    const GstStructure *const fields = gst_value_get_structure(headers);
+    const char *const ranges = valueOf(fields, "Accept-Ranges");
+    const char *const type = valueOf(fields, "Content-Type");
+    const bool lists = type && (std::strstr(type, "mpegurl") || std::strstr(type, "dash"));
+    const bool takesRanges =
+        lists || status == 206 || (ranges && g_ascii_strcasecmp(ranges, "none") != 0);
+    overheard.relay->change(overheard.media, [&](QVariantMap &) {
+        overheard.relay->supply.takesRanges = takesRanges;
+    });
+}
+
 void tellOfSupply(const Overheard &overheard, GstMessage *message)
 {
     Supply &supply = overheard.relay->supply;
@@ -63,6 +110,7 @@ GstBusSyncReply onMessage(GstBus *, GstMessage *message, gpointer data)
         break;
     case GST_MESSAGE_ELEMENT:
         tellOfMissingPlugin(overheard, message);
+        tellOfServer(overheard, message);
         break;
     case GST_MESSAGE_TAG:
         tellOfTags(overheard, message);

@@ -169,7 +169,7 @@ private Q_SLOTS:
         host.open(uri);
         AWAIT(host.state() == GST_STATE_PAUSED);
         QCOMPARE(host.play(GST_STATE_PLAYING), complete);
-        AWAIT(host.told("live").isValid());
+        AWAIT(host.told("live").isValid() && host.state() == GST_STATE_PLAYING);
         GstElement *const pipeline = host.view()->pipeline;
         gst_element_post_message(pipeline, gst_message_new_buffering(GST_OBJECT(pipeline), 1));
         QVERIFY(blockForOnePass(host));

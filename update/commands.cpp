@@ -85,9 +85,11 @@ Answer seek(MediaPlayerView &view, const Record &record)
     // What the seek makes the elements send has its number, which is higher than this one.
     const std::uint32_t first = gst_util_seqnum_next();
     const auto flags = GstSeekFlags(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_KEY_UNIT);
+    const bool takesRanges = view.relay->supply.takesRanges;
     const bool hasPrerolled = isPrerolled(view.pipeline); // else nobody is there to refuse
-    const bool taken = gst_element_seek_simple(view.pipeline, GST_FORMAT_TIME, flags, target);
-    if (taken || hasPrerolled)
+    const bool taken =
+        takesRanges && gst_element_seek_simple(view.pipeline, GST_FORMAT_TIME, flags, target);
+    if (taken || hasPrerolled || !takesRanges)
         view.relay->sought(view.pipeline, taken);
     if (!taken)
         return Answer::Done;

@@ -40,6 +40,7 @@ void Relay::follow(const GstElement *media, bool fromNetwork)
     const std::lock_guard guard(m_mutex);
     reset();
     supply.fromNetwork = fromNetwork;
+    supply.takesRanges = true;
     m_media = media;
     m_refused = false;
     m_seekRefused = false;
@@ -123,7 +124,7 @@ void Relay::change(const GstElement *media, const Edit &edit)
         return;
     apply([&](QVariantMap &values) {
         edit(values);
-        if (m_seekRefused)
+        if (m_seekRefused || !supply.takesRanges)
             values[seekable] = false; // whatever the source says of itself
     });
 }

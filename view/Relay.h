@@ -17,6 +17,7 @@ struct Supply {
     std::atomic<bool> mayPause = false; ///< not live, and its first frame is there
     std::atomic<int> percent = 100; ///< of what GStreamer wants to have before it plays
     std::atomic<bool> failed = false; ///< an error was reported: nobody waits any longer
+    std::atomic<bool> takesRanges = true; ///< the server begins where it is asked to
 
     /// It is to play, and is paused until there are data. Written with the sequence lock held.
     std::atomic<bool> held = false;
