@@ -140,7 +140,7 @@ void Seat::step()
             createControl();
         recreations += back;
     } else if (choice < 91) {
-        // Odd, so that no crop leaves a size of zero, of which GStreamer's item complains.
+        // Odd, so that no crop leaves a size of zero: GStreamer's item writes a critical about it.
         const QRect place {pick(-20, 20), 0, 2 * pick(0, 99) + 1, 2 * pick(0, 74) + 1};
         const int window = pick(0, 1);
         logStep("%d to window %d, %d x %d", index, window, place.width(), place.height());

@@ -24,7 +24,7 @@ struct RunMarks {
     /// A command is being carried out and has not reported: messages wait for the report.
     bool commandRunning = false;
 
-    /// The pipeline of which NULL has flushed an error off the bus; the listener answers it.
+    /// A change down to NULL has flushed an error off this pipeline's bus; the listener reports it.
     const GstElement *flushedErrorOf = nullptr;
 
     /// The picture cannot take frames yet: errors of a request that came too early are dropped.

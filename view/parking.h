@@ -3,9 +3,9 @@
 
 class MediaPlayerView;
 
-// A player survives that its place goes from the screen: its picture is parked in the view and
-// restored under the host's item, which may be another one by then. [gui] The host's code may
-// delete the view inside; both tell whether it is still there.
+// A player outlives its place on the screen: its picture is parked in the view, and restored under
+// the host's item, the same one or another. [gui] The host's code may delete the view inside; both
+// tell whether it is still there.
 
 /// Takes the picture out of the host's items, and pauses where the host asked for it.
 [[nodiscard]] bool park(MediaPlayerView &view);
