@@ -1,7 +1,23 @@
 #include "pipeline/builtPipelines.h"
 
 #include "boundary/AtomicAccess.h"
+#include "pipeline/GstHandle.h"
 #include "pipeline/sequences.h"
+#include "view/Relay.h"
+
+namespace
+{
+
+bool isFromNetwork(GstElement *source)
+{
+    char *uri = nullptr;
+    if (source)
+        g_object_get(source, "uri", &uri, nullptr);
+    const GlibText owned(uri);
+    return uri && !gst_uri_has_protocol(uri, "file");
+}
+
+} // namespace
 
 void retireCurrent(MediaPlayerView &view)
 {
@@ -20,6 +36,7 @@ void makeCurrent(MediaPlayerView &view, const MediaPlayerView::PipelineCtx &buil
     ++view.shared.generation;
     view.shared.awaitsItem = false;
     view.shared.flushedErrorOf = nullptr;
+    view.relay->follow(built.pipeline, isFromNetwork(built.source));
     storeRelaxed(view.source, built.source);
     storeRelaxed(view.videoSink, built.videoSink);
     storeRelaxed(view.glUpload, built.glUpload);

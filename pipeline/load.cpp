@@ -6,6 +6,7 @@
 #include "pipeline/GstHandle.h"
 #include "pipeline/builtPipelines.h"
 #include "pipeline/mediaKind.h"
+#include "pipeline/overheard.h"
 #include "pipeline/padAdded.h"
 #include "pipeline/sequences.h"
 #include "pipeline/surface.h"
@@ -87,6 +88,7 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
     if (awaitsItem) {
         const Guard guard(view.lock);
         view.shared.awaitsItem = true;
+        view.relay->setHushed(true);
     }
     // A window draws some milliseconds after it has been asked to. Asked now, it draws the first
     // frame as soon as the wait for it is over.
@@ -129,18 +131,24 @@ bool buildNew(MediaPlayerView &view, const QByteArray &uri, const QString &key)
     built->source = makeSource(uri);
     if (!built->source) {
         release(*built);
+        view.relay->refuse(
+            QStringLiteral("Not installed: uridecodebin, of GStreamer's base plug-ins."));
         return false;
     }
     const MediaKind kind = mediaKindOf(key);
     if (kind == MediaKind::Unsupported) {
         abandon(*built);
+        view.relay->refuse(
+            QStringLiteral("The name's extension stands for no video or sound: %1").arg(key));
         return refuseUnsupported(view);
     }
     if (namesWhatCanBlock(uri.constData())) {
         abandon(*built);
         view.showOverlay(textNoMedia);
+        view.relay->refuse(QStringLiteral("Neither a file nor a folder: %1").arg(key));
         return false;
     }
+    overhear(built->pipeline, view.relay);
     makeElements(view, *built, kind);
     Quirks::pipelineBuilt(built->source, uri.constData());
 
@@ -168,11 +176,15 @@ bool load(MediaPlayerView &view)
     const QByteArray uri = Record(view.params).fileName();
     if (!gst_uri_is_valid(uri.constData())) {
         view.showOverlay(textNoMedia);
+        view.relay->refuse(uri.isEmpty()
+                               ? QStringLiteral("No media is named.")
+                               : QStringLiteral("Not a URI: %1").arg(QString::fromUtf8(uri)));
         return false;
     }
     const GlibText currentUri = uriOf(view.source);
     if (currentUri && uri == currentUri.get()) {
         view.hideOverlay();
+        view.relay->accept();
         traceLine("MP: Skip same filename");
         return true;
     }

@@ -3,6 +3,7 @@
 #include "boundary/AtomicAccess.h"
 #include "diagnostics/Trace.h"
 #include "pipeline/GstHandle.h"
+#include "view/Relay.h"
 
 #include <utility>
 
@@ -26,6 +27,7 @@ void beginRun(MediaPlayerView &view)
     const Guard guard(view.lock);
     ++view.shared.generation;
     view.shared.firstOfRun = gst_util_seqnum_next();
+    view.relay->beginRun();
 }
 
 } // namespace
@@ -54,6 +56,10 @@ GstStateChangeReturn setState(MediaPlayerView &view, GstState state, const GiveU
     GstElement *const pipeline = loadAcquire(view.pipeline);
     if (!pipeline || !isStateToGoTo(state))
         return GST_STATE_CHANGE_FAILURE;
+    Supply &supply = view.relay->supply;
+    supply.held = state == GST_STATE_PLAYING && supply.isAwaited();
+    if (supply.held)
+        return GST_STATE_CHANGE_ASYNC; // the update thread has it play when there are data
 
     if (state == GST_STATE_NULL && holdsError(pipeline)) {
         const Guard guard(view.lock);

@@ -26,6 +26,13 @@ bool isAboveReady(GstElement *element)
     return recorded.current > GST_STATE_READY || recorded.pending > GST_STATE_READY;
 }
 
+bool isPrerolled(GstElement *element)
+{
+    const RecordedState recorded = recordedState(element);
+    return recorded.current > GST_STATE_READY && recorded.last != GST_STATE_CHANGE_ASYNC
+        && recorded.last != GST_STATE_CHANGE_FAILURE;
+}
+
 GstStateChangeReturn awaitState(GstElement *element, GstState state, const GiveUp &giveUp)
 {
     GstState current = GST_STATE_NULL;

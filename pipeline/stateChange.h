@@ -21,6 +21,9 @@ RecordedState recordedState(GstElement *element);
 /// Whether the element is above READY, or on its way there.
 bool isAboveReady(GstElement *element);
 
+/// Whether the element has come to PAUSED or PLAYING, and is not on its way there.
+bool isPrerolled(GstElement *element);
+
 /// Waits until the element has come to `state`, at most 100 polls of 10 ms. SUCCESS when it has,
 /// FAILURE when an element refused, else the result of the last poll.
 GstStateChangeReturn awaitState(GstElement *element, GstState state, const GiveUp &giveUp = {});

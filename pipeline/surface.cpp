@@ -1,6 +1,7 @@
 #include "pipeline/surface.h"
 
 #include "pipeline/sequences.h"
+#include "view/Relay.h"
 
 namespace
 {
@@ -13,6 +14,9 @@ void markPrerolled(MediaPlayerView &view, bool succeeded)
         if (std::exchange(view.shared.awaitsItem, false) || succeeded)
             view.shared.flushedErrorOf = nullptr;
     }
+    view.relay->setHushed(false);
+    if (succeeded)
+        view.relay->dropOldError();
     for (const auto &built : std::as_const(view.pipelineCache))
         built->prerolled |= built->pipeline == view.pipeline;
 }

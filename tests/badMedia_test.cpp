@@ -1,9 +1,8 @@
 #include "tests/fixture.h"
 #include "tests/mediaFiles.h"
+#include "tests/server.h"
 
 #include <QtCore/QRandomGenerator>
-#include <QtNetwork/QTcpServer>
-#include <QtNetwork/QTcpSocket>
 
 #include <sys/stat.h>
 
@@ -19,38 +18,6 @@ enum Outcome {
     Settles = 4, ///< loads and is paused at a first frame or sound
     Pends = 8, ///< loads; neither, for as long as the source goes on waiting
 };
-
-QByteArray read(const QByteArray &uri)
-{
-    QFile file(QUrl(QString::fromUtf8(uri)).toLocalFile());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// Serves the good file, and fails in the way that the requested name asks for.
-void serve(QTcpSocket *socket)
-{
-    socket->waitForReadyRead();
-    const QByteArray request = socket->readAll();
-    const bool endless = request.contains("/endless"); // tells no length, and nor does the file
-    const QByteArray body = read(media(endless ? "surround.ac3" : "quadrants.webm"));
-    QByteArray answer = request.contains("/404") ? "HTTP/1.1 404 Not Found" : "HTTP/1.1 200 OK";
-    if (!endless)
-        answer += "\r\nContent-Length: " + QByteArray::number(body.size());
-    answer += "\r\n\r\n" + body;
-    if (request.contains("/half"))
-        answer.chop(body.size() / 2);
-    if (request.contains("/silent"))
-        return;
-    if (request.contains("/stalls")) {
-        socket->write(answer.first(200));
-        return;
-    }
-    // Slow is longer than a preroll is waited for.
-    QTimer::singleShot(request.contains("/slow") ? 1500 : 0, socket, [socket, answer] {
-        socket->write(answer);
-        socket->disconnectFromHost();
-    });
-}
 
 /// Cut, or with bytes changed: few, many, or only some of those in front, where the headers are.
 QByteArray damaged(QByteArray bytes, int variant)
@@ -75,31 +42,14 @@ class BadMediaTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        // In a thread of its own, since a player may keep the GUI thread waiting.
-        auto *const server = new QTcpServer;
-        connect(server, &QTcpServer::newConnection, server,
-                [server] { serve(server->nextPendingConnection()); });
-        connect(&m_thread, &QThread::finished, server, &QObject::deleteLater);
-        QVERIFY(server->listen(QHostAddress::LocalHost));
-        m_server = "http://127.0.0.1:" + QByteArray::number(server->serverPort());
-        server->moveToThread(&m_thread);
-        m_thread.start();
-        qputenv("no_proxy", "127.0.0.1");
-
         write("empty.mp4", {});
         write("noise.mp3", damaged(QByteArray(100, 'n'), 4));
         write("text.mp4", QByteArray("What is in a name?\n").repeated(100));
-        write("video.mp3", read(media("quadrants.webm")));
-        write("sound.mp4", read(media("tone.flac")));
+        write("video.mp3", readMedia(media("quadrants.webm")));
+        write("sound.mp4", readMedia(media("tone.flac")));
         mkdir(m_folder.filePath(QStringLiteral("folder.mp4")).toUtf8(), 0700);
         mkfifo(m_folder.filePath(QStringLiteral("fifo.mp4")).toUtf8(), 0600);
         QFile::link(QStringLiteral("/dev/zero"), m_folder.filePath(QStringLiteral("device.mp4")));
-    }
-
-    void cleanupTestCase()
-    {
-        m_thread.quit();
-        QVERIFY(m_thread.wait(patience));
     }
 
     void bad_data()
@@ -107,7 +57,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("uri"); // HERE and SERVER are filled in
         QTest::addColumn<int>("allowed");
         const bool whole = qEnvironmentVariableIsSet("MEDIA_WHOLE");
-        QByteArrayList broken = {"SERVER/half.webm"};
+        QByteArrayList broken = {"SERVER/half/quadrants.webm"};
         for (const MediaFile &file : mediaFiles) {
             if (!file.shape.toDamage && file.shape.indexed)
                 continue;
@@ -116,7 +66,7 @@ private Q_SLOTS:
                 continue;
             for (int variant = whole ? 0 : 2; variant < (whole ? 64 : 6); ++variant) {
                 const QByteArray name = QByteArray::number(variant) + '-' + file.name;
-                write(name, damaged(read(media(file.name)), variant));
+                write(name, damaged(readMedia(media(file.name)), variant));
                 broken += "HERE/" + name;
             }
         }
@@ -127,14 +77,14 @@ private Q_SLOTS:
             {Reported,
              {"HERE/empty.mp4", "HERE/noise.mp3", "HERE/text.mp4", "HERE/none.mp4",
               "FILE:///none.mp3", "file://host/a.mp4", "file:///%00.mp4", "file:///\xff\xfe.mp4",
-              "file:///a%zz.mp4", "nosuch://a.mp4", "http://127.0.0.1:1/a.mp4", "SERVER/404.webm",
-              "HERE/folder.mp4", "http:///a.mp4", "https://u@:1/a.mp4",
+              "file:///a%zz.mp4", "nosuch://a.mp4", "http://127.0.0.1:1/a.mp4",
+              "SERVER/404/none.webm", "HERE/folder.mp4", "http:///a.mp4", "https://u@:1/a.mp4",
               "http://127.0.0.1:99999/a.mp4"}},
             {Settles,
-             {"HERE/video.mp3", "HERE/sound.mp4", "SERVER/good.webm", "SERVER/slow.webm",
-              "SERVER/endless.ac3"}},
+             {"HERE/video.mp3", "HERE/sound.mp4", "SERVER/all/quadrants.webm",
+              "SERVER/slow/quadrants.webm", "SERVER/endless/surround.ac3"}},
             {Reported | Settles, broken},
-            {Pends, {"SERVER/silent.webm", "SERVER/stalls.webm"}},
+            {Pends, {"SERVER/silent/quadrants.webm", "SERVER/starts/quadrants.webm"}},
         };
         for (const auto &[allowed, uris] : rows) {
             for (const QByteArray &uri : uris)
@@ -146,7 +96,8 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, uri);
         QFETCH(int, allowed);
-        uri.replace("HERE", "file://" + m_folder.path().toUtf8()).replace("SERVER", m_server);
+        uri.replace("HERE", "file://" + m_folder.path().toUtf8())
+            .replace("SERVER/", m_server.uri({}));
         Host host(Host::Quick);
         host.open({});
         host.setFileName(uri.size() < 81 ? uri + '\0' : uri);
@@ -202,8 +153,7 @@ private:
     }
 
     const QTemporaryDir m_folder {QStringLiteral("/tmp/bad-XXXXXX")};
-    QThread m_thread;
-    QByteArray m_server;
+    Server m_server;
 };
 
 PLAYER_TEST_MAIN(BadMediaTest)

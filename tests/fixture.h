@@ -15,7 +15,7 @@
 #include <memory>
 
 // Waiting is for an event, and this long at most, also on a slow machine under a sanitizer.
-constexpr int patience = 20'000;
+constexpr int patience = 7'000;
 #define AWAIT(condition) WITH_PATIENCE(QTRY_VERIFY_WITH_TIMEOUT(condition, patience))
 #define AWAIT_OR_SAY(condition, text)                                                              \
     WITH_PATIENCE(QTRY_VERIFY2_WITH_TIMEOUT(condition, text, patience))
@@ -66,6 +66,7 @@ public:
     int state() { return loadRelaxed(record.state); }
     qint64 position() { return loadRelaxed(record.position); }
     qint64 duration() { return loadRelaxed(record.duration); }
+    QVariant told(const char *name) { return view()->property(name); } ///< beside the record
     MediaPlayerView *view() { return m_recordGone ? nullptr : record.view; }
     QQuickItem *place(); ///< the item that the picture of the newest control goes into
     QQuickItem *videoItem();

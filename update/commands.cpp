@@ -4,6 +4,7 @@
 #include "boundary/Record.h"
 #include "diagnostics/Trace.h"
 #include "pipeline/sequences.h"
+#include "view/Relay.h"
 
 #include <QtCore/QVariant>
 
@@ -54,6 +55,7 @@ Answer goToState(MediaPlayerView &view, const Record &record)
         const Guard guard(view.lock);
         view.shared.awaitsItem = false; // what comes of this request is told
     }
+    view.relay->setHushed(false);
     view.updateSize(false);
     const std::int32_t wanted = record.playState();
     if (wanted != GST_STATE_NULL) {
@@ -83,7 +85,13 @@ Answer seek(MediaPlayerView &view, const Record &record)
     // What the seek makes the elements send has its number, which is higher than this one.
     const std::uint32_t first = gst_util_seqnum_next();
     const auto flags = GstSeekFlags(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_KEY_UNIT);
-    if (!gst_element_seek_simple(view.pipeline, GST_FORMAT_TIME, flags, target))
+    const bool takesRanges = view.relay->supply.takesRanges;
+    const bool hasPrerolled = isPrerolled(view.pipeline); // else nobody is there to refuse
+    const bool taken =
+        takesRanges && gst_element_seek_simple(view.pipeline, GST_FORMAT_TIME, flags, target);
+    if (taken || hasPrerolled || !takesRanges)
+        view.relay->sought(view.pipeline, taken);
+    if (!taken)
         return Answer::Done;
     const Guard guard(view.lock);
     ++view.shared.generation;

@@ -4,7 +4,10 @@
 #include "boundary/Record.h"
 #include "pipeline/GstHandle.h"
 #include "pipeline/stateChange.h"
+#include "update/buffering.h"
+#include "update/facts.h"
 #include "update/messages.h"
+#include "view/Relay.h"
 
 #include <poll.h>
 
@@ -36,6 +39,7 @@ bool drain(MediaPlayerView &view, GstElement *current)
     const auto end = Clock::now() + drainTime;
     auto deadline = Clock::now() + quietTime;
     do {
+        keepToSupply(view, current);
         switch (hearOne(view, current, bus.get())) {
         case Heard::Message:
             deadline = Clock::now() + quietTime;
@@ -49,6 +53,19 @@ bool drain(MediaPlayerView &view, GstElement *current)
         }
     } while (waitForBus(bus.get(), std::min(deadline, end)));
     return true;
+}
+
+void tell(MediaPlayerView &view, const GstElement *current, const QVariantMap &facts)
+{
+    view.relay->change(current, [&](QVariantMap &values) {
+        values.insert(facts);
+        const QVariant live = facts.value(QStringLiteral("live"));
+        if (!live.isValid())
+            return;
+        view.relay->supply.mayPause = view.relay->supply.fromNetwork && !live.toBool();
+        if (live.toBool())
+            values.remove(QStringLiteral("buffering"));
+    });
 }
 
 // A source can hold a query up, so queries run without a lock, and their answers count only if
@@ -66,6 +83,8 @@ void publish(MediaPlayerView &view, GstElement *current)
     if (!gst_element_query_duration(current, GST_FORMAT_TIME, &duration) || duration < 0)
         duration = 0; // sources without a length say -1
 
+    const QVariantMap facts = factsOf(current);
+
     const Guard guard(view.lock);
     const Record record(view.params);
     if (!listensTo(view, current))
@@ -74,12 +93,14 @@ void publish(MediaPlayerView &view, GstElement *current)
     const bool executing = record.isExecuting();
     const std::int32_t command = record.command();
     if (!(executing && command == MediaPlayerCommandPlayState))
-        record.publishState(recordedState(current).current);
+        record.publishState(view.relay->supply.held ? GST_STATE_PAUSED
+                                                    : recordedState(current).current);
     if (view.shared.generation != before)
         return;
     if (!(executing && command == MediaPlayerCommandSeek))
         record.publishPosition(position);
     record.publishDuration(duration);
+    tell(view, current, facts);
 }
 
 } // namespace
@@ -94,6 +115,8 @@ void listen(MediaPlayerView &view)
             return;
         current.reset(GST_ELEMENT(gst_object_ref(view.pipeline)));
     }
-    if (drain(view, current.get()))
-        publish(view, current.get());
+    if (!drain(view, current.get()))
+        return;
+    publish(view, current.get());
+    watchSupply(view, current.get());
 }

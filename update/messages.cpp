@@ -4,6 +4,7 @@
 #include "boundary/Record.h"
 #include "pipeline/GstHandle.h"
 #include "pipeline/sequences.h"
+#include "view/Relay.h"
 
 #include <cstring>
 #include <memory>
@@ -115,6 +116,14 @@ Taken take(MediaPlayerView &view, GstElement *current, GstBus *bus) REQUIRES(vie
     return {Heard::Message, std::move(message)};
 }
 
+void countEnd(MediaPlayerView &view, const GstElement *current)
+{
+    view.relay->change(current, [](QVariantMap &values) {
+        QVariant &ends = values[QStringLiteral("endOfMedia")];
+        ends = ends.toInt() + 1;
+    });
+}
+
 /// What may print or write a file: no lock is held.
 void tell(GstElement *current, GstMessage *message)
 {
@@ -137,8 +146,10 @@ void tell(GstElement *current, GstMessage *message)
 /// The rest of a message's handling; the turn ends here.
 void act(MediaPlayerView &view, GstElement *current, GstMessage *message) RELEASE(view.sequence)
 {
-    if (message && GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS)
+    if (message && GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
         rewind(view, current);
+        countEnd(view, current);
+    }
     view.sequence.release();
     if (message && current)
         tell(current, message);

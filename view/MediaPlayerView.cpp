@@ -7,6 +7,7 @@
 #include "pipeline/sequences.h"
 #include "update/cThread.h"
 #include "update/updateThread.h"
+#include "view/Relay.h"
 #include "view/liveViews.h"
 #include "view/placement.h"
 #include "view/scene.h"
@@ -28,6 +29,7 @@ MediaPlayerView::MediaPlayerView(QWindow *hostWindow, QQuickItem *hostItem, QObj
     , window(hostWindow)
     , parentItem(hostItem)
     , context(hostContext)
+    , relay(QSharedPointer<Relay>::create(this))
 {
     traceLine("MediaPlayerView::MediaPlayerView");
     addLiveView(this);
@@ -70,6 +72,7 @@ MediaPlayerView::~MediaPlayerView()
         releaseCurrent(*this);
     }
     delete thread;
+    relay->close();
     releaseAll(*this);
     removeLiveView(this);
 }

@@ -16,6 +16,7 @@
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickView>
 
+class Relay;
 class cThread;
 
 /// The player behind one host record.
@@ -61,8 +62,7 @@ public:
     /// Gives the view another host window and item. The video object follows at the next restore.
     void updateReferences(QWindow *hostWindow, QQuickItem *hostItem, QObject *hostContext);
 
-    /// Initialises GStreamer; both arguments are ignored. Ends the process where GStreamer cannot
-    /// be initialised, as gst_init does.
+    /// Initialises GStreamer, or ends the process as gst_init does. The arguments are not used.
     void gstInit(int *argc, char ***argv);
 
     /// A new element with a floating reference, or null.
@@ -183,14 +183,14 @@ public:
     /// A rewind at the end of the stream was given up half way; the next turn knows.
     bool rewindCut GUARDED_BY(sequence) = false;
 
-    /// An updateValues() that the update thread queued has not finished. Written like
-    /// invokePending.
+    /// An updateValues() that was queued has not finished. Written like invokePending.
     bool commandQueued = false;
 
     // Of the GUI thread alone.
     Life life;
-
     Quirks quirks;
+
+    const QSharedPointer<Relay> relay; ///< [any] what is told beside the record
 };
 
 Q_DECLARE_METATYPE(GstState)

@@ -3,25 +3,27 @@
 #include "boundary/Record.h"
 #include "pipeline/sequences.h"
 #include "view/MediaPlayerView.h"
+#include "view/Relay.h"
 #include "view/placement.h"
 
 namespace
 {
 
-int publishedState(MediaPlayerView &view)
+/// Also while it waits for data.
+bool isPlaying(MediaPlayerView &view)
 {
     const Guard guard(view.lock);
-    return Record(view.params).state();
+    return Record(view.params).state() == GST_STATE_PLAYING || view.relay->supply.held;
 }
 
 /// A pause that is not asked for takes no turn, and so never waits. One that has cut the rewind at
 /// the end of a stream leaves the media paused, as the rewind would have: nothing is to resume.
 void pauseIfWanted(MediaPlayerView &view)
 {
-    if (!Record(view.params).pauseOnSave() || publishedState(view) != GST_STATE_PLAYING)
+    if (!Record(view.params).pauseOnSave() || !isPlaying(view))
         return;
     const Turn turn(view);
-    if (!turn.cutsRewind() && publishedState(view) != GST_STATE_PLAYING)
+    if (!turn.cutsRewind() && !isPlaying(view))
         return;
     setState(view, GST_STATE_PAUSED);
     if (!turn.cutsRewind())
