@@ -40,7 +40,7 @@ enum MediaPlayerCommand {
     MediaPlayerCommandVolume = 1, /* volume */
     MediaPlayerCommandPlayState = 2, /* volume, playState; NULL rewinds to a paused start */
     MediaPlayerCommandMute = 3, /* mute */
-    MediaPlayerCommandSeek = 4, /* seekPosition; goes to the nearest key frame */
+    MediaPlayerCommandSeek = 4, /* seekPosition; goes to the key frame before */
     MediaPlayerCommandRebind = 7, /* none; answered by the next registration, see docs */
     MediaPlayerCommandTransform = 9, /* transformBit0, transformBit1, transformParam */
     MediaPlayerCommandCrop = 10, /* cropLeft, cropTop, cropRight, cropBottom */
@@ -84,7 +84,7 @@ typedef struct MediaPlayerParams {
     int32_t transformParam; /* clockwise rotation about the picture's centre, degrees */
     double volume; /* linear, 1.0 leaves the level as it is, 0.0 to 10.0 take effect */
     int64_t duration; /* length of the media, ns; 0 while unknown */
-    int64_t position; /* playback position, ns */
+    int64_t position; /* playback position, ns; -1 where it cannot be told */
     int8_t mute; /* non-zero: silent */
     int8_t keepAspectRatio; /* non-zero: bars instead of a stretched picture */
     char fileName[MediaPlayerFileNameSize]; /* media URI, UTF-8, at most 80 bytes and a NUL;

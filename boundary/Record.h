@@ -88,14 +88,8 @@ public:
     // Published values. [update]; `state` is also read by the GUI thread.
     std::int32_t state() const { return loadRelaxed(m_block->state); }
     void publishState(std::int32_t state) const { storeRelaxed(m_block->state, state); }
-    void publishPosition(std::int64_t position) const
-    {
-        storeRelaxed(m_block->position, position);
-    }
-    void publishDuration(std::int64_t duration) const
-    {
-        storeRelaxed(m_block->duration, duration);
-    }
+    void publishPosition(std::int64_t position) const { storeRelaxed(m_block->position, position); }
+    void publishDuration(std::int64_t duration) const { storeRelaxed(m_block->duration, duration); }
 
     // The player and its picture. [gui]
     MediaPlayerView *view() const { return loadRelaxed(m_block->view); }

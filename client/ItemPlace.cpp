@@ -124,6 +124,20 @@ void Video::setMirrored(bool mirrored)
     Q_EMIT mirroredChanged();
 }
 
+Player::WhenHidden Video::whenHidden() const
+{
+    return d->whenHidden;
+}
+
+void Video::setWhenHidden(Player::WhenHidden whenHidden)
+{
+    if (whenHidden == d->whenHidden)
+        return;
+    d->whenHidden = whenHidden;
+    d->changed();
+    Q_EMIT whenHiddenChanged();
+}
+
 QList<int> Video::cropMargins() const
 {
     return {d->margins.left(), d->margins.top(), d->margins.right(), d->margins.bottom()};

@@ -47,6 +47,8 @@ public:
 
     Player *player() const { return m_player; }
 
+    Player::WhenHidden whenHidden = Player::GoOn;
+
 protected:
     /// Parts from the player before, which parks. Null: no player.
     void setPlayer(Player *player);

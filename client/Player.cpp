@@ -146,19 +146,6 @@ QSize Player::videoSize() const
     return d->shown.videoSize;
 }
 
-Player::WhenHidden Player::whenHidden() const
-{
-    return d->whenHidden;
-}
-
-void Player::setWhenHidden(WhenHidden whenHidden)
-{
-    if (whenHidden == d->whenHidden)
-        return;
-    d->whenHidden = whenHidden;
-    Q_EMIT whenHiddenChanged(whenHidden);
-}
-
 MediaPlayerParams &Player::record() const
 {
     return d->link.record();

@@ -50,7 +50,6 @@ class MEDIAPLAYER_CLIENT Player : public QObject
     Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY volumeChanged)
     Q_PROPERTY(bool muted READ isMuted WRITE setMuted NOTIFY mutedChanged)
     Q_PROPERTY(QSize videoSize READ videoSize NOTIFY videoSizeChanged)
-    Q_PROPERTY(WhenHidden whenHidden READ whenHidden WRITE setWhenHidden NOTIFY whenHiddenChanged)
 
 public:
     enum PlaybackState { StoppedState, PlayingState, PausedState };
@@ -74,7 +73,8 @@ public:
     enum Loops { Infinite = -1, Once = 1 };
     Q_ENUM(Loops)
 
-    /// What becomes of a playing medium whose picture is hidden, or has no place any more.
+    /// What becomes of a playing medium when the place that shows it is hidden, or goes; see
+    /// PlayerWidget and Video.
     enum WhenHidden {
         GoOn,
         Pause ///< until it is shown again
@@ -135,9 +135,6 @@ public:
     /// Of the picture in square pixels; empty without a picture, and while it is unknown.
     QSize videoSize() const;
 
-    WhenHidden whenHidden() const;
-    void setWhenHidden(WhenHidden whenHidden);
-
     /// The record that this player and the plug-in share, for tools that show it. Read what the
     /// plug-in writes by std::atomic_ref. Operands that the player itself does not use (transform,
     /// crop, opacity, aspect ratio) may be written, for sendCommand().
@@ -173,7 +170,6 @@ Q_SIGNALS:
     void volumeChanged(double volume);
     void mutedChanged(bool muted);
     void videoSizeChanged(QSize size);
-    void whenHiddenChanged(MediaPlayer::Player::WhenHidden whenHidden);
 
     /// A command of the player's own or of sendCommand() was answered; for tools that show it.
     void commandAnswered(int command, bool done, bool error);

@@ -69,7 +69,6 @@ public:
     Player *const q;
     Shown shown;
     QUrl source;
-    Player::WhenHidden whenHidden = Player::GoOn;
     bool autoPlay = false;
     int loops = Player::Once;
     RecordLink link;
@@ -158,6 +157,7 @@ private:
     QPointer<BasicWidget> m_control;
     std::unique_ptr<QQuickWindow> m_viewWindow; ///< never shown
     bool m_wasPlaced = false;
+    Player::WhenHidden m_whenHidden = Player::GoOn; ///< as the last place said
     bool m_hidden = false;
     bool m_pausedByHiding = false;
 };

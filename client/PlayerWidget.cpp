@@ -172,6 +172,20 @@ void PlayerWidget::setFullScreen(bool fullScreen)
     }
 }
 
+Player::WhenHidden PlayerWidget::whenHidden() const
+{
+    return d->whenHidden;
+}
+
+void PlayerWidget::setWhenHidden(Player::WhenHidden whenHidden)
+{
+    if (whenHidden == d->whenHidden)
+        return;
+    d->whenHidden = whenHidden;
+    d->changed();
+    Q_EMIT whenHiddenChanged();
+}
+
 QMargins PlayerWidget::cropMargins() const
 {
     return d->margins;

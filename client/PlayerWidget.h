@@ -23,6 +23,8 @@ class MEDIAPLAYER_CLIENT PlayerWidget : public QWidget
     Q_PROPERTY(Qt::AspectRatioMode aspectRatioMode READ aspectRatioMode WRITE setAspectRatioMode
                    NOTIFY aspectRatioModeChanged)
     Q_PROPERTY(bool fullScreen READ isFullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
+    Q_PROPERTY(MediaPlayer::Player::WhenHidden whenHidden READ whenHidden WRITE setWhenHidden
+                   NOTIFY whenHiddenChanged)
     Q_PROPERTY(QMargins cropMargins READ cropMargins WRITE setCropMargins NOTIFY cropMarginsChanged)
 
 public:
@@ -46,6 +48,10 @@ public:
     /// back to its parent. `isFullScreen()` is QWidget's.
     void setFullScreen(bool fullScreen);
 
+    /// What becomes of the player when this widget is hidden or goes: at first Player::GoOn.
+    Player::WhenHidden whenHidden() const;
+    void setWhenHidden(Player::WhenHidden whenHidden);
+
     /// Pixels of the widget by which the picture is pushed past each edge; negative ones leave a
     /// border.
     QMargins cropMargins() const;
@@ -58,6 +64,7 @@ Q_SIGNALS:
     void playerChanged();
     void aspectRatioModeChanged(Qt::AspectRatioMode mode);
     void fullScreenChanged(bool fullScreen);
+    void whenHiddenChanged();
     void cropMarginsChanged();
 
 protected:

@@ -53,8 +53,7 @@ void Video::setPlayer(Player *player)
           &Video::bufferProgressChanged, &Video::hasAudioChanged, &Video::hasVideoChanged,
           &Video::seekableChanged, &Video::loopsChanged, &Video::playbackStateChanged,
           &Video::mediaStatusChanged, &Video::metaDataChanged, &Video::errorChanged,
-          &Video::autoPlayChanged, &Video::volumeChanged, &Video::mutedChanged,
-          &Video::whenHiddenChanged})
+          &Video::autoPlayChanged, &Video::volumeChanged, &Video::mutedChanged})
         Q_EMIT(this->*signal)();
 }
 
@@ -76,7 +75,6 @@ void Video::follow(Player *player)
     connect(player, &Player::autoPlayChanged, this, &Video::autoPlayChanged);
     connect(player, &Player::volumeChanged, this, &Video::volumeChanged);
     connect(player, &Player::mutedChanged, this, &Video::mutedChanged);
-    connect(player, &Player::whenHiddenChanged, this, &Video::whenHiddenChanged);
     connect(player, &Player::playbackStateChanged, this, [this](Player::PlaybackState state) {
         if (state == Player::PlayingState)
             Q_EMIT playing();
@@ -195,16 +193,6 @@ bool Video::isMuted() const
 void Video::setMuted(bool muted)
 {
     player()->setMuted(muted);
-}
-
-Player::WhenHidden Video::whenHidden() const
-{
-    return player()->whenHidden();
-}
-
-void Video::setWhenHidden(Player::WhenHidden whenHidden)
-{
-    player()->setWhenHidden(whenHidden);
 }
 
 void Video::play()

@@ -29,8 +29,9 @@ Q_SIGNALS:
 /// The QML type Video: an item that shows a player, one of its own, which ends with it, or the one
 /// that `player` names. `Video { source: "film.mp4"; autoPlay: true }` plays.
 ///
-/// Its properties, methods and signals are those of Qt's QML type Video and work on the player,
-/// whichever it is; what is not described here is described at Player. An item without a size, or
+/// Its properties, methods and signals are those of Qt's QML type Video. Those that are a player's
+/// work on the one that is shown; with `player` set, set them there, since QML sets the properties
+/// of an object in no order. What is not described here is described at Player. An item without a size, or
 /// in no window, plays sound all the same; a film starts when it is first seen. It takes no input
 /// events. GUI thread.
 class MEDIAPLAYER_CLIENT Video : public QQuickItem
@@ -59,13 +60,13 @@ class MEDIAPLAYER_CLIENT Video : public QQuickItem
     Q_PROPERTY(bool autoPlay READ autoPlay WRITE setAutoPlay NOTIFY autoPlayChanged)
     Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY volumeChanged)
     Q_PROPERTY(bool muted READ isMuted WRITE setMuted NOTIFY mutedChanged)
-    Q_PROPERTY(MediaPlayer::Player::WhenHidden whenHidden READ whenHidden WRITE setWhenHidden
-                   NOTIFY whenHiddenChanged)
 
     // The picture's.
     Q_PROPERTY(FillMode fillMode READ fillMode WRITE setFillMode NOTIFY fillModeChanged)
     Q_PROPERTY(int orientation READ orientation WRITE setOrientation NOTIFY orientationChanged)
     Q_PROPERTY(bool mirrored READ isMirrored WRITE setMirrored NOTIFY mirroredChanged)
+    Q_PROPERTY(MediaPlayer::Player::WhenHidden whenHidden READ whenHidden WRITE setWhenHidden
+                   NOTIFY whenHiddenChanged)
     Q_PROPERTY(QList<int> cropMargins READ cropMargins WRITE setCropMargins
                    NOTIFY cropMarginsChanged)
 
@@ -111,8 +112,6 @@ public:
     void setVolume(double volume);
     bool isMuted() const;
     void setMuted(bool muted);
-    Player::WhenHidden whenHidden() const;
-    void setWhenHidden(Player::WhenHidden whenHidden);
 
     FillMode fillMode() const; ///< at first PreserveAspectFit
     void setFillMode(FillMode mode);
@@ -123,6 +122,10 @@ public:
 
     bool isMirrored() const; ///< left and right change places, as seen
     void setMirrored(bool mirrored);
+
+    /// What becomes of the player when this item is hidden or goes: at first Player.GoOn.
+    Player::WhenHidden whenHidden() const;
+    void setWhenHidden(Player::WhenHidden whenHidden);
 
     /// Left, top, right, bottom: pixels of the item by which the picture is pushed past each edge;
     /// negative ones leave a border. A list of another length is ignored with a warning.

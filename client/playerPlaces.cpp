@@ -133,11 +133,13 @@ void PlayerPrivate::noticePicture()
 
 void PlayerPrivate::noticeHidden()
 {
+    if (m_current)
+        m_whenHidden = m_current->whenHidden;
     const bool hidden = m_wasPlaced && !(m_current && m_current->isVisible());
     if (hidden == m_hidden)
         return;
     m_hidden = hidden;
-    if (hidden && whenHidden == Player::Pause && m_intent == Player::PlayingState) {
+    if (hidden && m_whenHidden == Player::Pause && m_intent == Player::PlayingState) {
         m_intent = Player::PausedState;
         m_pausedByHiding = true;
     } else if (!hidden && std::exchange(m_pausedByHiding, false)) {

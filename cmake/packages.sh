@@ -19,7 +19,7 @@ packagesHosts=(
 )
 # A display without a screen, and what makes sample media.
 packagesHeadless=(gstreamer1.0-tools xauth xvfb)
-packagesTest=(binutils dpkg-dev file gstreamer1.0-plugins-ugly util-linux)
+packagesTest=(binutils dpkg-dev file gstreamer1.0-plugins-ugly mount util-linux)
 packagesLint=(clang clang-format clang-tidy git qt6-declarative-dev-tools shellcheck)
 packagesSystems=(debian-archive-keyring mmdebstrap util-linux) # for ./test --on
 

@@ -36,19 +36,28 @@ std::size_t writtenLength(const char *message)
     return startsCharacter ? start : longestMessage;
 }
 
-bool isLinkOfOurs()
+enum class Link { None, Ours, Foreign };
+
+Link linkThere()
 {
     struct stat info;
-    return lstat(logPath, &info) == 0 && S_ISLNK(info.st_mode) && info.st_uid == geteuid();
+    if (lstat(logPath, &info) != 0 || !S_ISLNK(info.st_mode))
+        return Link::None;
+    return info.st_uid == geteuid() ? Link::Ours : Link::Foreign;
 }
 
 /// A descriptor, or -1 with errno set. /tmp is everybody's: somebody else's link may lead to a file
 /// of this user, and a FIFO would hold the caller for ever.
 int openLog()
 {
-    const int follow = isLinkOfOurs() ? 0 : O_NOFOLLOW;
-    return open(logPath,
-                O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | follow, 0666);
+    const Link link = linkThere();
+    if (link == Link::Foreign) {
+        errno = ELOOP;
+        return -1;
+    }
+    const int follow = link == Link::Ours ? 0 : O_NOFOLLOW; // it may have come since
+    return open(logPath, O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY | follow,
+                0666);
 }
 
 bool canBeWritten()

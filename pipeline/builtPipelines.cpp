@@ -15,9 +15,11 @@ void retireCurrent(MediaPlayerView &view)
 
 void makeCurrent(MediaPlayerView &view, const MediaPlayerView::PipelineCtx &built)
 {
+    assertGuiThread();
     const Guard guard(view.lock);
     ++view.shared.generation;
     view.shared.awaitsItem = false;
+    view.shared.flushedErrorOf = nullptr;
     storeRelaxed(view.source, built.source);
     storeRelaxed(view.videoSink, built.videoSink);
     storeRelaxed(view.glUpload, built.glUpload);

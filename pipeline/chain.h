@@ -4,16 +4,28 @@
 #include <gst/gst.h>
 
 #include <array>
+#include <string>
 
 class MediaPlayerView;
+
+/// What a chain is asked about.
+struct StreamFormat {
+    GstCaps *format;
+    GstElement *sink; ///< the chain's
+    bool refused; ///< by the chain as it stands
+    bool turned; ///< the picture does not stand upright, as its tags say
+};
 
 /// The elements that one kind of decoded stream goes through, the sink last. Null where one could
 /// not be made; without the first there is no chain.
 struct Chain {
     std::array<GstElement *, 3> elements;
-    const char *rawType; ///< streams of this type that the chain refuses are converted for it
-    const char *converter; ///< by what: a pipeline description
-    const char *converterName; ///< in the pipeline, while it is there
+    const char *rawType; ///< streams of this type can be filtered for the chain
+    const char *filterName; ///< in the pipeline, while it is there
+    const char *turnerName; ///< of the filter's element that turns pictures
+
+    /// What has to go in front of the chain, as a pipeline description; empty for nothing.
+    std::string (*filterFor)(const StreamFormat &);
 };
 
 // All of this runs on the streaming threads of `pipeline` and takes no lock: a state change of the
@@ -27,8 +39,9 @@ Chain videoChainOf(MediaPlayerView *view);
 bool isFree(GstElement *pipeline, const Chain &chain);
 
 /// Lets a free chain join the pipeline, unless an earlier stream did, and gives it `stream`. Where
-/// the chain refuses the format, now or later, a converter goes between the two. The next stream
-/// that the chain gets is first offered without one.
+/// the stream asks for it, now or later, a filter goes between the two: a format that the chain
+/// refuses is converted, a picture that lies on its side is turned. The next stream that the chain
+/// gets is first offered without one.
 void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const char *type);
 
 /// Takes a chain that no stream flows into out of the pipeline, which would wait for its sink for

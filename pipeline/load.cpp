@@ -79,7 +79,8 @@ bool refuseUnsupported(MediaPlayerView &view)
 bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
 {
     traceLine("MP: found entry in map");
-    const bool awaitsItem = built.videoSink && built.videoItem && !isInitialized(built.videoItem);
+    // A picture that has never been shown cannot take frames before its item can.
+    const bool awaitsItem = built.videoSink && !built.prerolled && !view.quirks.isItemInitialized();
     const Turn turn(view);
     retireCurrent(view);
     makeCurrent(view, built);
@@ -92,7 +93,7 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
     storeRelease(view.pipelineActive, true);
     traceLine("MP: done");
     if (built.videoSink && !built.prerolled)
-        prerollOnceInitialized(view, built.videoItem);
+        prerollOnceInitialized(view);
     return true;
 }
 
@@ -137,7 +138,7 @@ bool buildNew(MediaPlayerView &view, const QByteArray &uri, const QString &key)
         return false;
     }
     makeElements(view, *built, kind);
-    quirks::pipelineBuilt(built->source, uri.constData());
+    Quirks::pipelineBuilt(built->source, uri.constData());
 
     const Turn turn(view);
     retireCurrent(view);

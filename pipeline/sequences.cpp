@@ -28,32 +28,17 @@ void beginRun(MediaPlayerView &view)
     view.shared.firstOfRun = gst_util_seqnum_next();
 }
 
-bool awaitsItem(MediaPlayerView &view)
-{
-    const Guard guard(view.lock);
-    return view.shared.awaitsItem;
-}
-
 } // namespace
 
 Turn::Turn(MediaPlayerView &view) : m_view(view)
 {
     view.sequence.acquire();
-    m_cutsRewind = std::exchange(view.inSequence.rewindCut, false);
+    m_cutsRewind = std::exchange(view.rewindCut, false);
 }
 
 Turn::~Turn()
 {
-    const bool failed = takeErrorBeforeNull(m_view);
-    const GstElement *const subject = m_view.pipeline;
     m_view.sequence.release();
-    if (failed)
-        m_view.mediaFailed(subject);
-}
-
-bool takeErrorBeforeNull(MediaPlayerView &view)
-{
-    return std::exchange(view.inSequence.errorBeforeNull, false);
 }
 
 // GStreamer climbs towards a number beyond its states for ever, with a warning a step. Asked for
@@ -70,14 +55,15 @@ GstStateChangeReturn setState(MediaPlayerView &view, GstState state, const GiveU
     if (!pipeline || !isStateToGoTo(state))
         return GST_STATE_CHANGE_FAILURE;
 
-    if (state == GST_STATE_NULL && holdsError(pipeline) && !awaitsItem(view))
-        view.inSequence.errorBeforeNull = true;
-    GstStateChangeReturn result =
-        quirks::changeState(pipeline, loadRelaxed(view.videoSink), state);
+    if (state == GST_STATE_NULL && holdsError(pipeline)) {
+        const Guard guard(view.lock);
+        view.shared.flushedErrorOf = pipeline;
+    }
+    GstStateChangeReturn result = Quirks::changeState(pipeline, loadRelaxed(view.videoSink), state);
     if (result != GST_STATE_CHANGE_FAILURE)
         result = awaitState(pipeline, state, giveUp);
     if (result == GST_STATE_CHANGE_ASYNC && !(giveUp && giveUp()))
-        quirks::prerollTimedOut(pipeline);
+        Quirks::prerollTimedOut(pipeline);
     if (state <= GST_STATE_READY)
         beginRun(view);
     return result;

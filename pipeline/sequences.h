@@ -9,8 +9,7 @@
 // Changes of state of the view's current pipeline. Each comes in its turn: the sequence lock is
 // held over the whole of it, and nothing else is.
 
-/// One thread's turn at the current pipeline. At its end an error that NULL has flushed off the bus
-/// is answered. Not for the update thread, which may only try.
+/// One thread's turn at the current pipeline. Not for the update thread, which may only try.
 class SCOPED_CAPABILITY Turn
 {
 public:
@@ -27,9 +26,6 @@ private:
     MediaPlayerView &m_view;
     bool m_cutsRewind;
 };
-
-/// Takes the sequence's error, to be answered with mediaFailed() once the lock is released.
-[[nodiscard]] bool takeErrorBeforeNull(MediaPlayerView &view) REQUIRES(view.sequence);
 
 namespace sequence
 {

@@ -5,8 +5,14 @@
 namespace
 {
 
-void markPrerolled(MediaPlayerView &view)
+/// A preroll that succeeds has the last word on errors of those before it.
+void markPrerolled(MediaPlayerView &view, bool succeeded)
 {
+    {
+        const Guard guard(view.lock);
+        if (std::exchange(view.shared.awaitsItem, false) || succeeded)
+            view.shared.flushedErrorOf = nullptr;
+    }
     for (const auto &built : std::as_const(view.pipelineCache))
         built->prerolled |= built->pipeline == view.pipeline;
 }
@@ -36,11 +42,6 @@ bool MediaPlayerView::isVideoSurfaceReady() const
     return item && item->window() && videoObject->isVisible() && item->isVisible();
 }
 
-bool isInitialized(const QQuickItem *videoItem)
-{
-    return videoItem && videoItem->window() && videoItem->property("itemInitialized").toBool();
-}
-
 void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
 {
     if (view.videoObject)
@@ -50,21 +51,22 @@ void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
         return;
     QObject::connect(item, SIGNAL(itemInitializedChanged()), &view, SLOT(videoItemReady()),
                      Qt::UniqueConnection);
-    prerollOnceInitialized(view, item);
+    prerollOnceInitialized(view);
     g_object_set(built.videoSink, "widget", item, "force-aspect-ratio", FALSE, nullptr);
+    view.quirks.sinkBound(built.videoSink);
 }
 
-void prerollOnceInitialized(MediaPlayerView &view, const QQuickItem *videoItem)
+void prerollOnceInitialized(MediaPlayerView &view)
 {
-    if (videoItem && videoItem->property("itemInitialized").toBool())
+    if (view.quirks.isItemInitialized())
         QMetaObject::invokeMethod(&view, "videoItemReady", Qt::QueuedConnection);
 }
 
 void prerollCurrent(MediaPlayerView &view, bool fromSignal)
 {
-    const bool keptContext = isInitialized(view.videoItem) && view.quirks.keptContext();
+    const bool keptContext = view.quirks.isItemInitialized() && view.quirks.keptContext();
     if (fromSignal && goesOnAsItIs(view, keptContext)) {
-        markPrerolled(view);
+        markPrerolled(view, true);
         view.hideOverlay();
         return;
     }
@@ -74,11 +76,7 @@ void prerollCurrent(MediaPlayerView &view, bool fromSignal)
         return;
     }
     run(view, sequence::prerollOfNew);
-    {
-        const Guard guard(view.lock);
-        view.shared.awaitsItem = false;
-    }
-    markPrerolled(view);
+    markPrerolled(view, recordedState(view.pipeline).current == GST_STATE_PAUSED);
     MediaPlayerView::librariesLoaded();
     // Posted within the turn, so that an error which this preroll has left on the bus is shown
     // afterwards, and stays.
@@ -89,9 +87,9 @@ void stabilize(MediaPlayerView &view)
 {
     if (!view.isVideoSurfaceReady())
         QMetaObject::invokeMethod(&view, "resetItem", Qt::QueuedConnection);
-    const Turn turn(view);
     if (!view.pipeline)
         return;
+    const Turn turn(view);
     run(view, sequence::cycle);
     QMetaObject::invokeMethod(&view, "nulldownAndPauseOnGuiThread", Qt::QueuedConnection);
 }

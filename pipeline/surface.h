@@ -8,14 +8,11 @@
 /// The item below `root` that the video sink draws into, or null.
 QQuickItem *findVideoItem(const QQuickItem *root);
 
-/// Whether the item can take frames in the window that it is in.
-bool isInitialized(const QQuickItem *videoItem);
-
 /// Has a new pipeline prerolled as soon as its item can take frames; it stays in READY until then.
 void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built);
 
 /// Queues videoItemReady() if the item's signal has come already.
-void prerollOnceInitialized(MediaPlayerView &view, const QQuickItem *videoItem);
+void prerollOnceInitialized(MediaPlayerView &view);
 
 /// Prerolls the current pipeline as a new one and hides the overlay. From the item's own signal it
 /// does so only where the picture needs it.

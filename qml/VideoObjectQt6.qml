@@ -9,7 +9,7 @@ Item {
     signal videoSurfaceReadyChanged(bool ready)
     signal destruct
 
-    readonly property bool surfaceReady: video.itemInitialized && video.visible
+    readonly property bool surfaceReady: video.initializedHere && video.visible
                                          && root.Window.window !== null
 
     function showOverlay(message) {
@@ -30,6 +30,8 @@ Item {
     GstGLQt6VideoItem {
         id: video
 
+        // itemInitialized may still speak of an earlier window.
+        property bool initializedHere: false
         // The size of the root that the item's own size was last made for.
         property real fittedWidth: 0
         property real fittedHeight: 0
@@ -50,6 +52,9 @@ Item {
             video.fittedWidth = root.width
             video.fittedHeight = root.height
         }
+
+        Window.onWindowChanged: video.initializedHere = false
+        onItemInitializedChanged: video.initializedHere = video.itemInitialized
 
         objectName: "videoItem"
         // The item pushes input into the pipeline and may block on it: no input reaches it.

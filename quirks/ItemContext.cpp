@@ -2,6 +2,10 @@
 
 #include <QtGui/QOpenGLContext>
 #include <QtQuick/QQuickItem>
+#include <QtQuick/QQuickRenderControl>
+#include <QtQuick/QQuickWindow>
+
+#include <utility>
 
 ItemContext::ItemContext(QQuickItem *videoItem) : QObject(videoItem)
 {
@@ -11,8 +15,12 @@ ItemContext::ItemContext(QQuickItem *videoItem) : QObject(videoItem)
 
 bool ItemContext::kept()
 {
-    QOpenGLContext *const now = m_reported;
-    return m_atLastCall.exchange(now) == now && now;
+    QQuickWindow *const scene = static_cast<QQuickItem *>(parent())->window();
+    QWindow *const top = QQuickRenderControl::renderWindowFor(scene);
+    QWindow *const window = top ? top : scene;
+    const bool sameWindow = std::exchange(m_windowAtLastCall, window) == window;
+    QOpenGLContext *const context = m_reported;
+    return m_atLastCall.exchange(context) == context && context && sameWindow && window;
 }
 
 void ItemContext::report()

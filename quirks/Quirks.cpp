@@ -5,7 +5,7 @@
 #include "quirks/HostlessAddress.h"
 #include "quirks/ItemContext.h"
 #include "quirks/LostError.h"
-#include "quirks/SinkFirst.h"
+#include "quirks/NodeFormat.h"
 #include "quirks/SinkInReady.h"
 #include "quirks/WindowEntry.h"
 
@@ -15,8 +15,20 @@
 void Quirks::sceneMade(QQuickItem *videoItem)
 {
     keepCurrentContext(videoItem);
-    enterWindowsWithoutJobs(videoItem);
+    m_windowEntry = new WindowEntry(videoItem);
     m_itemContext = new ItemContext(videoItem);
+    m_nodeFormat = new NodeFormat(videoItem);
+}
+
+void Quirks::sinkBound(GstElement *videoSink)
+{
+    if (m_nodeFormat)
+        m_nodeFormat->watch(videoSink);
+}
+
+bool Quirks::isItemInitialized() const
+{
+    return m_windowEntry && m_windowEntry->isInitialized();
 }
 
 bool Quirks::keptContext()
@@ -24,30 +36,24 @@ bool Quirks::keptContext()
     return m_itemContext && m_itemContext->kept();
 }
 
-GstStateChangeReturn quirks::changeState(GstElement *pipeline, GstElement *videoSink,
+GstStateChangeReturn Quirks::changeState(GstElement *pipeline, GstElement *videoSink,
                                          GstState state)
 {
     return state == GST_STATE_NULL ? toNullWithoutSink(pipeline, videoSink)
                                    : gst_element_set_state(pipeline, state);
 }
 
-void quirks::chainJoined(GstElement *sink)
-{
-    if (sink)
-        raiseSinkFirst(sink);
-}
-
-void quirks::prerollTimedOut(GstElement *pipeline)
+void Quirks::prerollTimedOut(GstElement *pipeline)
 {
     postLostError(pipeline);
 }
 
-void quirks::librariesLoaded(void (*stopPlayers)())
+void Quirks::librariesLoaded(void (*stopPlayers)())
 {
     runBeforeLibrariesEnd(stopPlayers);
 }
 
-void quirks::pipelineBuilt(GstElement *source, const char *uri)
+void Quirks::pipelineBuilt(GstElement *source, const char *uri)
 {
     refuseHostlessAddress(source, uri);
 }

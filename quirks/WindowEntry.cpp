@@ -2,48 +2,66 @@
 
 #include <QtCore/QMetaMethod>
 #include <QtQuick/QQuickItem>
-#include <QtQuick/QQuickWindow>
 
 namespace
 {
 
-constexpr char changed[] = SLOT(handleWindowChanged(QQuickWindow*)); // clang-format off
-constexpr char initialized[] = SLOT(onSceneGraphInitialized());
-constexpr char invalidated[] = SLOT(onSceneGraphInvalidated()); // clang-format on
+constexpr char windowChanged[] = "handleWindowChanged(QQuickWindow*)";
+constexpr char initialized[] = "onSceneGraphInitialized()";
+constexpr char invalidated[] = "onSceneGraphInvalidated()";
 
-bool hasSlot(const QObject *item, const char *slot)
+QMetaMethod slotOf(const QObject *item, const char *signature)
 {
-    return item->metaObject()->indexOfSlot(slot + 1) >= 0;
+    return item->metaObject()->method(item->metaObject()->indexOfSlot(signature));
 }
 
-/// What the item's own slot does, but for the job: it forgets its state where it leaves, and looks
-/// at the window's GL context before each frame, where a context that it knows costs nothing.
-void enter(QQuickItem *item, QQuickWindow *window, QPointer<QQuickWindow> &previous)
+bool hasSlots(const QObject *item)
 {
-    if (previous)
-        QObject::disconnect(previous, nullptr, item, nullptr);
-    previous = window;
-    if (!window) {
-        if (hasSlot(item, changed)) // the base class's destructor comes here too
-            QMetaObject::invokeMethod(item, "handleWindowChanged", Qt::DirectConnection,
-                                      Q_ARG(QQuickWindow *, nullptr));
-        return;
-    }
-    QObject::connect(window, SIGNAL(beforeSynchronizing()), item, initialized,
-                     Qt::DirectConnection);
-    QObject::connect(window, SIGNAL(sceneGraphInvalidated()), item, invalidated,
-                     Qt::DirectConnection);
+    return slotOf(item, windowChanged).isValid() && slotOf(item, initialized).isValid()
+        && slotOf(item, invalidated).isValid();
 }
 
 } // namespace
 
-void enterWindowsWithoutJobs(QQuickItem *item)
+WindowEntry::WindowEntry(QQuickItem *item) : QObject(item)
 {
-    if (!hasSlot(item, initialized) || !hasSlot(item, invalidated)
-        || !QObject::disconnect(item, SIGNAL(windowChanged(QQuickWindow*)), item, changed))
+    if (hasSlots(item)
+        && disconnect(item, QMetaMethod::fromSignal(&QQuickItem::windowChanged), item,
+                      slotOf(item, windowChanged)))
+        connect(item, &QQuickItem::windowChanged, this, &WindowEntry::enter);
+}
+
+bool WindowEntry::isInitialized() const
+{
+    const auto *item = static_cast<const QQuickItem *>(parent());
+    return item->window() && !m_entering && item->property("itemInitialized").toBool();
+}
+
+void WindowEntry::enter(QQuickWindow *window)
+{
+    QObject *const item = parent();
+    if (m_window) {
+        disconnect(m_window, nullptr, this, nullptr);
+        disconnect(m_window, QMetaMethod::fromSignal(&QQuickWindow::sceneGraphInvalidated), item,
+                   slotOf(item, invalidated));
+    }
+    m_window = window;
+    if (!window)
         return;
-    QObject::connect(item, &QQuickItem::windowChanged, item,
-                     [item, previous = QPointer<QQuickWindow>()](QQuickWindow *window) mutable {
-                         enter(item, window, previous);
-                     });
+    m_entering = true;
+    connect(window, &QQuickWindow::beforeSynchronizing, this, &WindowEntry::beforeFrame,
+            Qt::DirectConnection);
+    connect(window, QMetaMethod::fromSignal(&QQuickWindow::sceneGraphInvalidated), item,
+            slotOf(item, invalidated), Qt::DirectConnection);
+}
+
+// The item does nothing about a GL context that it knows. Told that it has left its window it knows
+// none, and reports that it is initialised.
+void WindowEntry::beforeFrame()
+{
+    QObject *const item = parent();
+    if (m_entering.exchange(false))
+        slotOf(item, windowChanged)
+            .invoke(item, Qt::DirectConnection, Q_ARG(QQuickWindow *, nullptr));
+    slotOf(item, initialized).invoke(item, Qt::DirectConnection);
 }

@@ -7,6 +7,16 @@
 namespace
 {
 
+constexpr int noCommand = 6;
+constexpr int volume = MediaPlayerCommandVolume;
+constexpr int playState = MediaPlayerCommandPlayState;
+constexpr int mute = MediaPlayerCommandMute;
+constexpr int seek = MediaPlayerCommandSeek;
+constexpr int transform = MediaPlayerCommandTransform;
+constexpr int crop = MediaPlayerCommandCrop;
+constexpr int opacity = MediaPlayerCommandOpacity;
+constexpr int keepAspectRatio = MediaPlayerCommandKeepAspectRatio;
+
 /// The operands of the commands that change the picture; each command reads only its own.
 void setOperands(MediaPlayerParams &record, const std::array<int, 4> &numbers)
 {
@@ -36,39 +46,40 @@ private Q_SLOTS:
         Captured errors(STDERR_FILENO);
         Host host(kind);
         host.open(media("quadrants.webm"));
-        AWAIT_EQUAL(host.state(), 3);
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
 
         // Each applies only its own operand, and playing the volume too.
-        host.record.playState = 4;
-        for (const auto &[command, volume, mute, volumeThen, muteThen] :
-             {std::tuple(1, 0.25, qint8(-128), 0.25, false),
-              {3, 0.5, qint8(-128), 0.25, true},
-              {2, 0.5, qint8(0), 0.5, true},
-              {3, 1.0, qint8(0), 0.5, false}}) {
-            host.record.volume = volume;
-            host.record.mute = mute;
+        host.record.playState = GST_STATE_PLAYING;
+        for (const auto &[command, level, silence, levelThen, silentThen] :
+             {std::tuple(volume, 0.25, qint8(-128), 0.25, false),
+              {mute, 0.5, qint8(-128), 0.25, true},
+              {playState, 0.5, qint8(0), 0.5, true},
+              {mute, 1.0, qint8(0), 0.5, false}}) {
+            host.record.volume = level;
+            host.record.mute = silence;
             QCOMPARE(host.run(command), complete);
-            gdouble level = -1;
-            gboolean silent = -1;
-            g_object_get(host.view()->volumeElement, "volume", &level, "mute", &silent, nullptr);
-            QCOMPARE(level, volumeThen);
-            QCOMPARE(silent, gboolean(muteThen));
+            gdouble volumeThen = -1;
+            gboolean muteThen = -1;
+            g_object_get(host.view()->volumeElement, "volume", &volumeThen, "mute", &muteThen,
+                         nullptr);
+            QCOMPARE(volumeThen, levelThen);
+            QCOMPARE(muteThen, gboolean(silentThen));
         }
-        for (const int state : {4, 2, 3}) {
+        for (const int state : {GST_STATE_PLAYING, GST_STATE_READY, GST_STATE_PAUSED}) {
             QCOMPARE(host.play(state), complete);
             AWAIT_EQUAL(host.state(), state);
         }
         host.record.seekPosition = 6'000'000'000;
-        QCOMPARE(host.run(MediaPlayerCommandSeek), complete);
+        QCOMPARE(host.run(seek), complete);
         AWAIT(qAbs(host.position() - host.record.seekPosition) < 100'000'000);
-        QCOMPARE(host.play(1), complete); // stop: a paused start
-        AWAIT(host.state() == 3 && host.position() == 0);
+        QCOMPARE(host.play(GST_STATE_NULL), complete); // stop: a paused start
+        AWAIT(host.state() == GST_STATE_PAUSED && host.position() == 0);
 
         // After command 7 nothing is published, but commands go on.
         QCOMPARE(host.run(MediaPlayerCommandRebind), unanswered);
         storeRelaxed(host.record.duration, -1);
         for (int passes = 0; passes < 2; ++passes)
-            QCOMPARE(host.run(6), complete);
+            QCOMPARE(host.run(noCommand), complete);
         QCOMPARE(host.duration(), -1);
         QCOMPARE(errors.text(), "");
     }
@@ -85,20 +96,13 @@ private Q_SLOTS:
             int command;
             std::array<int, 4> operands;
             QByteArray picture;
-        } steps[] = {{9, {1, 0, 0}, "GRWB"},
-                     {9, {0, 1, 0}, "BWRG"},
-                     {9, {1, 1, 0}, "WBGR"},
-                     {9, {0, 0, 90}, "BRWG"},
-                     {9, {0, 0, 0}, "RGBW"},
-                     {10, {320, 0, 0, 0}, "GGWW"},
-                     {10, {0, 240, 0, 0}, "BWBW"},
-                     {10, {0, 0, 320, 0}, "RRBB"},
-                     {10, {0, 0, 0, 240}, "RGRG"},
-                     {12, {1}, "MMRG"},
-                     {12, {0}, "RGRG"},
-                     {10, {-100, -100, 0, 0}, "MMMW"},
-                     {11, {0}, "MMMM"},
-                     {11, {1}, "MMMW"}};
+        } steps[] = {{transform, {1, 0, 0}, "GRWB"}, {transform, {0, 1, 0}, "BWRG"},
+                     {transform, {1, 1, 0}, "WBGR"}, {transform, {0, 0, 90}, "BRWG"},
+                     {transform, {0, 0, 0}, "RGBW"}, {crop, {320, 0, 0, 0}, "GGWW"},
+                     {crop, {0, 240, 0, 0}, "BWBW"}, {crop, {0, 0, 320, 0}, "RRBB"},
+                     {crop, {0, 0, 0, 240}, "RGRG"}, {keepAspectRatio, {1}, "MMRG"},
+                     {keepAspectRatio, {0}, "RGRG"}, {crop, {-100, -100, 0, 0}, "MMMW"},
+                     {opacity, {0}, "MMMM"},         {opacity, {1}, "MMMW"}};
         for (const auto &step : steps) {
             setOperands(host.record, step.operands);
             QCOMPARE(host.run(step.command), complete);
@@ -112,10 +116,10 @@ private Q_SLOTS:
         host.open(media("quadrants.webm"));
         AWAIT_EQUAL(host.picture(), "RGBW");
 
-        host.record.playState = 4;
+        host.record.playState = GST_STATE_PLAYING;
         for (const double value : {qQNaN(), qInf(), -qInf(), -1., 11., 1e308}) {
             host.record.volume = host.record.opacity = value;
-            for (const int command : {1, 2, 11})
+            for (const int command : {volume, playState, opacity})
                 QCOMPARE(host.run(command), complete);
         }
         // As a time and, cut off, as every other operand and as the number of a command.
@@ -126,17 +130,17 @@ private Q_SLOTS:
             setOperands(host.record, {cut, cut, cut, cut});
             host.record.seekPosition = number;
             QCOMPARE(host.play(cut), complete);
-            for (const int command : {4, 9, 10, 12, cut})
+            for (const int command : {seek, transform, crop, keepAspectRatio, cut})
                 QCOMPARE(host.run(command), complete);
         }
 
         setOperands(host.record, {});
         host.record.volume = host.record.opacity = 1;
-        for (const int command : {9, 10, 11, 12})
+        for (const int command : {transform, crop, opacity, keepAspectRatio})
             QCOMPARE(host.run(command), complete);
-        QCOMPARE(host.play(1), complete);
+        QCOMPARE(host.play(GST_STATE_NULL), complete);
         AWAIT_EQUAL(host.picture(), "RGBW");
-        QCOMPARE(host.play(4), complete);
+        QCOMPARE(host.play(GST_STATE_PLAYING), complete);
         AWAIT(host.position() > 0);
         QVERIFY(host.strayBytesKept());
     }

@@ -11,52 +11,28 @@ namespace
 
 enum Thread { Gui, Update, Streaming };
 
-/// What the GUI thread writes, {in a widget host|in a Qt Quick host}.
-constexpr char life[] = R"($created
-C::SysNativeControlSetSettings; V::MediaPlayerView; V::init; V::gstInit; V::initQuickWidget
-V::gstInit; V::connect onVisible; V::loadFile; V::gstInit; MP: search map for $quadrants.webm
-$new; MP: video; =2; C::SysNativeControlShow: 1
-{$able; =3; =1; =3; V::restore; restore done|V::restore; restore done; $able; =3; =1; =3}
-V::updateValues: 2; V::updateSize; =4; $done; V::updateValues: 4; $done; V::updateValues: 12; $done
-V::resetItem; $unable; $able; V::updateValues: 2; V::updateSize; =2; =1; =3; $done
-$load $yellow.mp4; $new; MP: video; =2; =2; $done; V::videoItemReady; =3; =1; =3
-$load $quadrants.webm; $found; V::updateValues: 0; V::loadFile; MP: Skip same filename; $done
-V::updateValues: 0; V::loadFile; $done; $load file:///letter.txt; $new; =3; $done
-$load $tone.flac; $new; MP: pure audio; =2; =2; =3; $done
-$load appsrc://never.wav; $new; MP: pure audio; =2; =2; =3; $done
-pad_added_handler MP; Received new pad 'src' from 'pipeline':;   It has type 'text/x-raw'.
-  Type is 'text/x-raw' but link failed.; $load $quadrants.webm; $found
-V::updateValues: 2; V::updateSize; =4; $done; C::SysNativeControlShow: 0; $save
-C::SysNativeControlMove; $back; C::saveObject; $save; C::SysNativeControlDestroy; C::~MediaPlayerControl
-$created; C::SysNativeControlSetSettings; V::updateReferences; $back; V::updateValues: 4; $done
-V::stabilizeAfterLoad; =2; =3; V::gstElementFactoryMake; V::nulldownAndPauseOnGuiThread; =1; =3
-{C::SysNativeControlDestroy; C::~MediaPlayerControl; V::onDestruct; V::~MediaPlayerView; =1|$unable
-V::onDestruct; C::onDestruct; =1; C::~MediaPlayerControl; V::~MediaPlayerView}; V::destroy thread)";
-
-QByteArray lines(QByteArray text)
+/// What the GUI thread writes, as trace.txt has it: "-- " begins a heading, "widget: " and "quick:
+/// " a line of one kind of host; MEDIA is the folder of the media.
+QByteArray linesOf(Host::Kind kind)
 {
-    const std::pair<const char *, QByteArray> shorthand[] = {
-        {"$created", "{Create|CreateQML} MP; C::MediaPlayerControl {Widget|QML}"},
-        {"$load", "V::updateValues: 0; V::loadFile; MP: search map for"},
-        {"$back", "C::SysNativeControlShow: 1; V::restore; =4; restore done; $able"},
-        {"$save", "V::saveObject; $unable; =3; save mp done"},
-        {"$found", "MP: found entry in map; =2; =3; MP: done; $done"},
-        {"$new", "MP: Create new pipeline"},
-        {"$done", "Update values done"},
-        {"$wait", "gstElementSetState: waited ~1000 ms, giving up"},
-        {"$unable", "###             C::onVisible: 0"},
-        // The item reports itself initialised each time it is back in a window.
-        {"$able", "###             C::onVisible: 1; V::videoItemReady"},
-        {"=", "V::gstElementSetState: "},
-        {"?", "Update invoke "},
-        {"V::", "MediaPlayerView::"},
-        {"C::", "MediaPlayerControl::"},
-        {"; ", "\n"},
-        {"$", media("")}};
-    for (const auto &[sign, meaning] : shorthand)
-        text.replace(sign, meaning);
-    return text + '\n';
+    QFile file(QFINDTESTDATA("trace.txt"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no trace to compare with");
+    QString lines = QString::fromLatin1(file.readAll());
+    const QString own = QLatin1String(kind == Host::Widget ? "widget: " : "quick: ");
+    const QString foreign = QLatin1String(kind == Host::Widget ? "quick: " : "widget: ");
+    lines.remove(QRegularExpression(QStringLiteral("(?m)^(-- |%1).*\\n").arg(foreign)));
+    return lines.remove(own).toLatin1().replace("MEDIA/", media(""));
 }
+
+const QByteArray stateLine = "MediaPlayerView::gstElementSetState: ";
+const QByteArray toPaused = stateLine + "3\n";
+const QByteArray prerollAnew = toPaused + stateLine + "1\n" + toPaused;
+const QByteArray rewindAtTheEnd = stateLine + "2\n" + prerollAnew;
+const QByteArray givingUp = "gstElementSetState: waited ~1000 ms, giving up\n";
+// The item reports itself initialised each time it is back in a window.
+const QByteArray pictureIsBack = "###             MediaPlayerControl::onVisible: 1\n"
+                                 "MediaPlayerView::videoItemReady\n";
 
 } // namespace
 
@@ -80,13 +56,11 @@ private Q_SLOTS:
         enableDebug = 0;
         fclose(std::exchange(stdout, console));
 
-        QString expected = QString::fromLatin1(lines(life));
-        expected.replace(QRegularExpression(QStringLiteral("\\{([^|]*)\\|([^}]*)\\}")),
-                         kind == Host::Widget ? QStringLiteral("\\1") : QStringLiteral("\\2"));
-        QCOMPARE(written(Gui).split('\n'), expected.toLatin1().split('\n'));
-        const QByteArray update =
-            lines("?restore MP; " + QByteArray("?updateValues MP; ").repeated(13)
-                  + "?saveObject MP; ?restore MP; ?restore MP; ?updateValues MP; =2; =3; =1; =3");
+        QCOMPARE(written(Gui).split('\n'), linesOf(kind).split('\n'));
+        const QByteArray restore = "Update invoke restore MP\n";
+        const QByteArray commands = QByteArray("Update invoke updateValues MP\n").repeated(13);
+        const QByteArray update = restore + commands + "Update invoke saveObject MP\n" + restore
+            + restore + "Update invoke updateValues MP\n" + rewindAtTheEnd;
         QCOMPARE(written(Update).split('\n'), update.split('\n'));
         // How often a pipeline prerolls is told by its states.
         const QRegularExpression pads(QStringLiteral(
@@ -112,13 +86,13 @@ private:
     QByteArray written(Thread thread)
     {
         const std::lock_guard guard(m_mutex);
-        return QByteArray(m_written[thread]).replace(lines("$wait"), "");
+        return QByteArray(m_written[thread]).replace(givingUp, "");
     }
 
     /// Waits until these are the thread's last lines.
     void until(const QByteArray &last, Thread thread = Gui)
     {
-        const auto came = [&] { return written(thread).endsWith(lines(last)); };
+        const auto came = [&] { return written(thread).endsWith(last); };
         QVERIFY2(QTest::qWaitFor(came, patience), last + " did not come");
     }
 
@@ -129,22 +103,22 @@ private:
         host.open(film);
         // The restore is queued before a window of its own draws and finds the item ready.
         QVERIFY(blockForOnePass(host));
-        until(kind == Host::Widget ? "restore done" : "=3; =1; =3");
+        until(kind == Host::Widget ? "restore done\n" : prerollAnew);
         host.play(GST_STATE_PLAYING);
         host.run(MediaPlayerCommandSeek);
         host.run(MediaPlayerCommandKeepAspectRatio);
-        until("$able");
+        until(pictureIsBack);
         host.play(GST_STATE_NULL);
         // Where a preroll has ended all its streams have been offered.
-        AWAIT_EQUAL(host.pipelineStates().first(), 3);
+        AWAIT_EQUAL(host.pipelineStates().first(), GST_STATE_PAUSED);
         host.load(media("yellow.mp4"));
-        until("=3; =1; =3");
+        until(prerollAnew);
         for (const QByteArray &uri : QByteArrayList {film, film, "no URI", "file:///letter.txt",
                                                      media("tone.flac"), "appsrc://never.wav"}) {
-            AWAIT_EQUAL(host.pipelineStates().first(), 3);
+            AWAIT_EQUAL(host.pipelineStates().first(), GST_STATE_PAUSED);
             host.load(uri);
         }
-        QVERIFY(m_written[Gui].endsWith(lines("=3; $wait; $done")));
+        QVERIFY(m_written[Gui].endsWith(toPaused + givingUp + "Update values done\n"));
         // A stream that the audio chain is offered and cannot take.
         const ObjectRef<GstElement> text(gst_element_factory_make("subparse", nullptr));
         gst_object_set_name(GST_OBJECT(host.view()->pipeline), "pipeline");
@@ -155,10 +129,10 @@ private:
         AWAIT_EQUAL(host.state(), GST_STATE_PLAYING);
         host.record.pauseOnSave = host.record.resumeOnRestore = 1;
         host.control->SysNativeControlShow(0);
-        until("$save");
+        until("save mp done\n");
         host.control->SysNativeControlMove(0, 0, 319, 239);
         host.control->SysNativeControlShow(1);
-        until("$back");
+        until("restore done\n" + pictureIsBack);
         AWAIT_EQUAL(host.state(), GST_STATE_PLAYING);
 
         // The player outlives its control, here in both kinds of host.
@@ -168,16 +142,16 @@ private:
         host.create();
         host.registerRecord();
         host.control->SysNativeControlShow(1);
-        until("$back");
+        until("restore done\n" + pictureIsBack);
         enableWorkaround = 0;
 
         host.record.seekPosition = 9 * GST_SECOND;
         host.run(MediaPlayerCommandSeek);
-        until("=2; =3; =1; =3", Update);
+        until(rewindAtTheEnd, Update);
         host.view()->stabilizeAfterLoad();
         host.view()->gstElementFactoryMake("no such factory", nullptr);
-        until("=1; =3");
-        AWAIT_EQUAL(host.pipelineStates().first(), 3);
+        until(stateLine + "1\n" + toPaused);
+        AWAIT_EQUAL(host.pipelineStates().first(), GST_STATE_PAUSED);
         if (kind == Host::Widget)
             host.destroyControl();
         else

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <thread>
 
 namespace
@@ -72,8 +73,17 @@ Host::~Host()
     widget.reset();
     window.reset();
     delete view();
+    giveBackRecord();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    munmap(reinterpret_cast<char *>(&record + 1) - pageSize, 2 * pageSize);
+}
+
+bool Host::giveBackRecord()
+{
+    if (view())
+        return false;
+    if (!std::exchange(m_recordGone, true))
+        munmap(reinterpret_cast<char *>(&record + 1) - pageSize, 2 * pageSize);
+    return true;
 }
 
 void Host::setShown(bool shown)
@@ -100,10 +110,10 @@ void Host::create()
     }
 }
 
-void Host::registerRecord()
+void Host::registerRecord(MediaPlayerParams &params)
 {
     char key[] = "RegisterParameter";
-    control->SysNativeControlSetSettings(key, &record);
+    control->SysNativeControlSetSettings(key, &params);
 }
 
 void Host::open(const QByteArray &uri)
@@ -114,12 +124,17 @@ void Host::open(const QByteArray &uri)
     control->SysNativeControlShow(1);
 }
 
-QByteArray Host::run(int command)
+void Host::raise(int command)
 {
     storeRelaxed(record.command, command);
     for (auto *byte : {&record.done, &record.error, &record.busy})
         storeRelaxed(*byte, 2);
     storeRelease(record.execute, 1);
+}
+
+QByteArray Host::run(int command)
+{
+    raise(command);
     if (!QTest::qWaitFor([this] { return loadAcquire(record.execute) == 0; }, patience))
         return "no answer to command " + QByteArray::number(command);
     QByteArray answer;
@@ -144,6 +159,16 @@ void Host::setFileName(const QByteArray &text)
 {
     std::memcpy(record.fileName, text.constData(),
                 std::min(std::size_t(text.size()), sizeof record.fileName));
+}
+
+QQuickItem *Host::place()
+{
+    return item ? item.data() : widget->findChildren<QQuickWidget *>().constLast()->rootObject();
+}
+
+QQuickItem *Host::videoItem()
+{
+    return view()->videoObject->findChild<QQuickItem *>(QStringLiteral("videoItem"));
 }
 
 bool Host::strayBytesKept() const
@@ -206,6 +231,11 @@ std::uint32_t generationOf(MediaPlayerView *view)
 {
     const Guard guard(view->lock);
     return view->shared.generation;
+}
+
+qint64 entriesOf(const char *folder)
+{
+    return std::distance(std::filesystem::directory_iterator(folder), {});
 }
 
 bool blockUntil(const std::function<bool()> &condition)

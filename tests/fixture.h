@@ -1,10 +1,10 @@
 #ifndef FIXTURE_H
 #define FIXTURE_H
 
+#include "boundary/AtomicAccess.h"
 #include "boundary/MediaPlayerControl.h"
 #include "boundary/MediaPlayerParams.h"
 #include "diagnostics/MediaPlayerDiagnostics.h"
-#include "boundary/AtomicAccess.h"
 #include "view/MediaPlayerView.h"
 
 #include <QtQuickWidgets/QQuickWidget>
@@ -43,15 +43,21 @@ public:
     /// The host's ground is magenta, its picture covers all of the window.
     explicit Host(Kind kind, QSize size = {320, 240}, Start start = Shown);
 
-    /// The host's window goes, and with it what it owns; then everything deferred is run.
+    /// The host's window goes, and with it what it owns, and the record as soon as it may; then
+    /// everything deferred is run.
     ~Host();
 
     void setShown(bool shown); ///< the window
     void create(); ///< a new control; in a Qt Quick host under a new item
-    void registerRecord();
+    void registerRecord() { registerRecord(record); }
+    void registerRecord(MediaPlayerParams &params);
     void destroyControl() { control->SysNativeControlDestroy(); }
 
+    /// Unmaps the record, as a host may free it. False while a player still serves it.
+    bool giveBackRecord();
+
     void open(const QByteArray &uri); ///< create(), registerRecord(), SysNativeControlShow(1)
+    void raise(int command); ///< `execute`, for a command that is not waited for
     QByteArray run(int command); ///< raises `execute` and waits for the answer
     QByteArray load(const QByteArray &uri);
     QByteArray play(int state);
@@ -60,7 +66,9 @@ public:
     int state() { return loadRelaxed(record.state); }
     qint64 position() { return loadRelaxed(record.position); }
     qint64 duration() { return loadRelaxed(record.duration); }
-    MediaPlayerView *view() { return record.view; }
+    MediaPlayerView *view() { return m_recordGone ? nullptr : record.view; }
+    QQuickItem *place(); ///< the item that the picture of the newest control goes into
+    QQuickItem *videoItem();
 
     /// Whether the bytes of the record that belong to nobody still hold what they were filled with.
     bool strayBytesKept() const;
@@ -78,6 +86,9 @@ public:
     QPointer<QQuickItem> item; ///< the host's item of a Qt Quick host
     QPointer<BasicWidget> control;
     MediaPlayerParams &record; ///< lies at the very end of the memory that may be touched
+
+private:
+    bool m_recordGone = false;
 };
 
 /// Adds the column "kind" with a row for each.
@@ -89,6 +100,9 @@ QByteArray media(const char *name);
 /// Goes up whenever the view's media is moved: with every way down to READY or NULL, every seek and
 /// every switch.
 std::uint32_t generationOf(MediaPlayerView *view);
+
+/// How many entries a folder has: /proc/self/fd and /proc/self/task tell what a process holds.
+qint64 entriesOf(const char *folder);
 
 /// Keeps the GUI thread from its event loop until the condition is true, or gives up.
 bool blockUntil(const std::function<bool()> &condition);

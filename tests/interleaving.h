@@ -30,6 +30,25 @@ inline void hideAndPark(Host &host)
     await("the parking", [&] { return loadRelaxed(host.record.attached) == 0; });
 }
 
+// Commands that are carried out before these return, as the update thread has them carried out.
+inline void runAtOnce(Host &host, int command)
+{
+    host.raise(command);
+    host.view()->updateValues();
+}
+
+inline void loadAtOnce(Host &host, const char *name)
+{
+    host.setFileName(media(name) + '\0');
+    runAtOnce(host, MediaPlayerCommandLoad);
+}
+
+inline void playAtOnce(Host &host, GstState state)
+{
+    host.record.playState = state;
+    runAtOnce(host, MediaPlayerCommandPlayState);
+}
+
 /// Whether a thread waits for the mutex. glibc writes 2 before such a thread goes to sleep.
 inline bool isContended(pthread_mutex_t *mutex)
 {
@@ -71,8 +90,7 @@ private:
             && GST_MESSAGE_SRC(message) == GST_OBJECT(gate->m_pipeline)
             && !gate->reached.exchange(true))
             gate->passed = blockUntil([view = gate->m_view] {
-                return s_opened || view->sequence.isAwaited()
-                    || !loadAcquire(view->pipelineActive);
+                return s_opened || view->sequence.isAwaited() || !loadAcquire(view->pipelineActive);
             });
         --s_inside;
         return GST_BUS_PASS;

@@ -13,49 +13,50 @@ private Q_SLOTS:
         QFETCH(Host::Kind, kind);
         const QString loading = QStringLiteral("Loading media ...");
         const QByteArray quadrants = media("quadrants.webm");
+        constexpr int ready = GST_STATE_READY;
         Host host(kind, {320, 240}, Host::Hidden);
         host.open(media("tone.flac"));
-        AWAIT_EQUAL(host.state(), 3);
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
         AWAIT_EQUAL(host.overlay(), loading);
-        QCOMPARE(host.play(4), complete);
+        QCOMPARE(host.play(GST_STATE_PLAYING), complete);
         AWAIT_EQUAL(host.overlay(), QString());
 
         // A video waits for its item, and that for a window on the screen.
         QCOMPARE(host.load(quadrants), complete);
-        AWAIT_EQUAL(host.state(), 2);
+        AWAIT_EQUAL(host.state(), GST_STATE_READY);
         AWAIT_EQUAL(host.overlay(), loading);
         host.setShown(true);
         AWAIT_EQUAL(host.picture(), "RGBW");
         AWAIT_EQUAL(host.overlay(), QString());
-        AWAIT_EQUAL(host.state(), 3);
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
         GstElement *const first = host.view()->pipeline;
 
         QCOMPARE(host.load(media("yellow.mp4")), complete);
         AWAIT_EQUAL(host.picture(), "YYYY");
-        QCOMPARE(host.play(4), complete);
+        QCOMPARE(host.play(GST_STATE_PLAYING), complete);
         AWAIT(host.position() > 0);
 
         // A return builds nothing.
         QCOMPARE(host.load(quadrants), complete);
         QCOMPARE(host.view()->pipeline, first);
-        AWAIT_EQUAL(host.pipelineStates(), QList<int>({3, 2, 2}));
+        AWAIT_EQUAL(host.pipelineStates(), QList<int>({GST_STATE_PAUSED, ready, ready}));
         AWAIT_EQUAL(host.picture(), "RGBW");
         AWAIT_EQUAL(host.overlay(), QString());
         AWAIT_EQUAL(host.position(), 0);
 
         // The same file again, while it plays, is left alone.
-        QCOMPARE(host.play(4), complete);
+        QCOMPARE(host.play(GST_STATE_PLAYING), complete);
         QCOMPARE(host.load(quadrants), complete);
-        AWAIT_EQUAL(host.pipelineStates(), QList<int>({4, 2, 2}));
+        AWAIT_EQUAL(host.pipelineStates(), QList<int>({GST_STATE_PLAYING, ready, ready}));
         AWAIT_EQUAL(host.overlay(), QString());
 
         QCOMPARE(host.load(media("tone.flac")), complete);
-        AWAIT_EQUAL(host.pipelineStates(), QList<int>({3, 2, 2}));
+        AWAIT_EQUAL(host.pipelineStates(), QList<int>({GST_STATE_PAUSED, ready, ready}));
         QVERIFY(!host.view()->videoSink && !host.view()->videoItem);
 
         // Another spelling is another entry.
         QCOMPARE(host.load(media("%71uadrants.webm")), complete);
-        AWAIT_EQUAL(host.pipelineStates(), QList<int>({3, 2, 2, 2}));
+        AWAIT_EQUAL(host.pipelineStates(), QList<int>({GST_STATE_PAUSED, ready, ready, ready}));
         AWAIT_EQUAL(host.picture(), "RGBW");
         host.load(media("missing.webm"));
         AWAIT_EQUAL(host.overlay(), QLatin1String("Error loading media"));
@@ -77,12 +78,13 @@ private Q_SLOTS:
 
             QCOMPARE(host.load(film), complete);
             AWAIT_EQUAL(host.picture(), "RGBW");
-            QCOMPARE(host.play(4), complete);
+            QCOMPARE(host.play(GST_STATE_PLAYING), complete);
             host.setFileName(name);
             QCOMPARE(host.run(MediaPlayerCommandLoad), failed);
             AWAIT_EQUAL(host.overlay(), refusal + QLatin1String(isText ? "\nkeep last file" : ""));
             // What is kept is paused, and named in the record.
-            AWAIT_EQUAL(host.pipelineStates(), QList<int>({isText ? 3 : 4}));
+            AWAIT_EQUAL(host.pipelineStates(),
+                        QList<int>({isText ? GST_STATE_PAUSED : GST_STATE_PLAYING}));
             QCOMPARE(host.record.fileName == film, isText);
             QVERIFY(host.strayBytesKept());
         }

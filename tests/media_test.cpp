@@ -67,7 +67,7 @@ private Q_SLOTS:
             if (host.view()->videoSink)
                 AWAIT_EQUAL(host.overlay(), QString());
             AWAIT_EQUAL(host.pipelineStates(), QList<int> {GST_STATE_PAUSED});
-            AWAIT_EQUAL(host.state(), int(GST_STATE_PAUSED));
+            AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
             if (strstr(file->streams, "PICTURE"))
                 AWAIT_EQUAL(host.picture(), "RGBW");
         };

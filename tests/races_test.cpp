@@ -9,25 +9,6 @@
 namespace
 {
 
-void request(Host &host, int command)
-{
-    storeRelaxed(host.record.command, command);
-    storeRelease(host.record.execute, 1);
-    host.view()->updateValues();
-}
-
-void load(Host &host, const char *name)
-{
-    host.setFileName(media(name) + '\0');
-    request(host, MediaPlayerCommandLoad);
-}
-
-void play(Host &host, GstState state)
-{
-    host.record.playState = state;
-    request(host, MediaPlayerCommandPlayState);
-}
-
 /// What is forgotten of the messages that a command finds on the bus.
 enum Forgets { Nothing, End, All };
 
@@ -40,21 +21,23 @@ struct Command {
 };
 
 const Command commands[] = {
-    {"load", All, true, GST_STATE_PAUSED, [](Host &host) { load(host, "tone.flac"); }},
-    {"load, cached", All, true, GST_STATE_PAUSED, [](Host &host) { load(host, "yellow.mp4"); }},
+    {"load", All, true, GST_STATE_PAUSED, [](Host &host) { loadAtOnce(host, "tone.flac"); }},
+    {"load, cached", All, true, GST_STATE_PAUSED,
+     [](Host &host) { loadAtOnce(host, "yellow.mp4"); }},
     {"load and return", All, true, GST_STATE_PAUSED,
      [](Host &host) {
-         load(host, "yellow.mp4");
-         load(host, "quadrants.webm");
+         loadAtOnce(host, "yellow.mp4");
+         loadAtOnce(host, "quadrants.webm");
      }},
-    {"play", Nothing, true, GST_STATE_PLAYING, [](Host &host) { play(host, GST_STATE_PLAYING); }},
-    {"stop", End, true, GST_STATE_PAUSED, [](Host &host) { play(host, GST_STATE_NULL); }},
+    {"play", Nothing, true, GST_STATE_PLAYING,
+     [](Host &host) { playAtOnce(host, GST_STATE_PLAYING); }},
+    {"stop", End, true, GST_STATE_PAUSED, [](Host &host) { playAtOnce(host, GST_STATE_NULL); }},
     {"seek", End, true, GST_STATE_PAUSED,
-     [](Host &host) { request(host, MediaPlayerCommandSeek); }},
+     [](Host &host) { runAtOnce(host, MediaPlayerCommandSeek); }},
     {"rebind", All, false, GST_STATE_PAUSED,
-     [](Host &host) { request(host, MediaPlayerCommandRebind); }},
+     [](Host &host) { runAtOnce(host, MediaPlayerCommandRebind); }},
     {"no state to go to", Nothing, false, GST_STATE_PAUSED,
-     [](Host &host) { play(host, GST_STATE_VOID_PENDING); }},
+     [](Host &host) { playAtOnce(host, GST_STATE_VOID_PENDING); }},
     {"parking without a pause", Nothing, false, GST_STATE_PAUSED,
      [](Host &host) { host.view()->saveObject(); }},
     {"unrefPipe", All, true, 0, [](Host &host) { host.view()->unrefPipe(); }},
@@ -149,7 +132,7 @@ private Q_SLOTS:
         if (parks)
             view()->saveObject();
         else
-            request(*m_host, MediaPlayerCommandSeek);
+            runAtOnce(*m_host, MediaPlayerCommandSeek);
         QVERIFY(gate.passed);
         AWAIT_EQUAL(m_host->pipelineStates().first(), int(GST_STATE_PAUSED));
         QVERIFY(!view()->pausedBySave);
@@ -169,7 +152,7 @@ private Q_SLOTS:
         const auto generation = generationOf(view());
         view()->busListenerFunction();
         QCOMPARE(generationOf(view()), generation); // not rewound
-        QCOMPARE(int(m_host->record.error), int(command.forgets == End));
+        QCOMPARE(m_host->record.error == 1, command.forgets == End);
         if (loadRelaxed(view()->rebindPending))
             return;
         postEnd(pipeline()); // the end of the run that the command began
@@ -186,7 +169,7 @@ private Q_SLOTS:
             postError(pipeline());
             std::thread([this] { view()->busListenerFunction(); }).join();
         });
-        request(*m_host, MediaPlayerCommandOpacity);
+        runAtOnce(*m_host, MediaPlayerCommandOpacity);
         QCOMPARE(int(m_host->record.done), 1);
         QCOMPARE(int(m_host->record.error), 0);
         view()->busListenerFunction();
@@ -197,7 +180,7 @@ private Q_SLOTS:
     void loadMeetsASinkBeingRaised()
     {
         static std::atomic<bool> raised, met;
-        load(*m_host, "./quadrants.webm");
+        loadAtOnce(*m_host, "./quadrants.webm");
         const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline()));
         const auto hold = [](GstBus *, GstMessage *message, gpointer) {
             GstObject *const source = GST_MESSAGE_SRC(message);
@@ -212,7 +195,7 @@ private Q_SLOTS:
         gst_bus_set_sync_handler(bus.get(), hold, nullptr, nullptr);
         gst_element_set_state(pipeline(), GST_STATE_PAUSED);
         QVERIFY(blockUntil([] { return raised.load(); }));
-        load(*m_host, "yellow.mp4");
+        loadAtOnce(*m_host, "yellow.mp4");
         QVERIFY(met);
         m_host.reset(); // finds its display and GL contexts alive
         init();
@@ -231,8 +214,8 @@ private Q_SLOTS:
             ++host->shared.generation;
             return GST_PAD_PROBE_OK;
         };
-        const gulong probe = gst_pad_add_probe(sink.get(), GST_PAD_PROBE_TYPE_QUERY_UPSTREAM, move,
-                                               view(), nullptr);
+        const gulong probe =
+            gst_pad_add_probe(sink.get(), GST_PAD_PROBE_TYPE_QUERY_UPSTREAM, move, view(), nullptr);
         view()->busListenerFunction();
         QCOMPARE(m_host->position(), untouched);
         gst_pad_remove_probe(sink.get(), probe);
@@ -244,7 +227,7 @@ private Q_SLOTS:
     void errorOfThePrerollStays()
     {
         takeOverUpdateThread();
-        load(*m_host, "tone.flac");
+        loadAtOnce(*m_host, "tone.flac");
         for (int attempt = 0; attempt < 20; ++attempt) {
             m_host->record.error = 0;
             const auto before = generationOf(view());

@@ -62,18 +62,26 @@ private Q_SLOTS:
             QCOMPARE(sigaction(signal, &action, nullptr), 0);
         Host host(Host::Quick);
         host.open(media("tone.flac"));
-        AWAIT_EQUAL(host.state(), 3);
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
         host.view()->thread->destroyThread(); // it has its signals blocked, so it must not write
 
-        for (const auto &[code, order] : {std::pair(6, "Debx"), {0, "Debx"}, {7, "x"}}) {
-            host.record.command = code;
+        for (const auto &[command, order] : {std::pair(MediaPlayerCommandVolume, "Debx"),
+                                             {MediaPlayerCommandLoad, "Debx"},
+                                             {MediaPlayerCommandRebind, "x"}}) {
+            host.record.command = command;
             QCOMPARE(orderOf(host.record, [&host] { host.view()->updateValues(); }), order);
         }
         enableWorkaround = 1;
         QCOMPARE(orderOf(host.record, [&host] { host.registerRecord(); }), "beD");
         enableWorkaround = 0;
-        QCOMPARE(orderOf(host.record, [&host] { host.view()->mediaFailed(host.view()->pipeline); }),
-                 "Edb");
+        const auto fail = [&host] {
+            GError *const error =
+                g_error_new_literal(GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED, "");
+            host.view()->handle_message(
+                gst_message_new_error(GST_OBJECT(host.view()->pipeline), error, nullptr));
+            g_error_free(error);
+        };
+        QCOMPARE(orderOf(host.record, fail), "Edb");
     }
 };
 

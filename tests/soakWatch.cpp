@@ -5,7 +5,6 @@
 
 #include <csignal>
 #include <cstdarg>
-#include <filesystem>
 
 namespace
 {
@@ -14,11 +13,6 @@ namespace
 std::array<char[160], 100> lines;
 std::size_t lineCount = 0;
 unsigned seedOfAll = 0;
-
-qint64 entriesOf(const char *folder)
-{
-    return std::distance(std::filesystem::directory_iterator(folder), {});
-}
 
 unsigned liveGstObjects()
 {
@@ -89,8 +83,8 @@ const char *unsettled(const Player &player)
         return nullptr;
     const bool attached = player.fields().attached != 0;
     const bool inTree = view->videoObject && view->videoObject->parentItem();
-    return view->life.deletionScheduled    ? "a player that is ending does not end"
-        : !player.isIdle() ? "a command is not answered"
+    return view->life.deletionScheduled ? "a player that is ending does not end"
+        : !player.isIdle()              ? "a command is not answered"
         : player.hasControl() && player.isShown() != attached ? "a show or hide is not carried out"
         : attached != inTree ? "attached does not tell where the picture is"
                              : nullptr;

@@ -82,6 +82,37 @@ private Q_SLOTS:
         AWAIT(nameOf(first).isEmpty()); // the system may take a moment longer than the join
         other.destroyThread();
     }
+
+    void aDetachedThreadIsDestroyedToo()
+    {
+        static std::atomic<bool> inside, left;
+        const auto idle = [](void *) -> void * {
+            const auto leave = [](void *) {
+                usleep(50'000); // long enough for a destroyThread() that does not wait
+                left = true;
+            };
+            pthread_cleanup_push(leave, nullptr);
+            for (inside = true;;)
+                usleep(1000);
+            pthread_cleanup_pop(0);
+        };
+        cThread wrapper;
+        QCOMPARE(wrapper.threadInit(0, 0, 0, stackSize), 0);
+        wrapper.createThread(idle, nullptr, nullptr);
+        QVERIFY(blockUntil([] { return inside.load(); }));
+        QCOMPARE(wrapper.detachThread(), 0);
+        QCOMPARE(wrapper.destroyThread(), 0);
+        QVERIFY(left);
+    }
+
+    void aNewConfigurationBringsAFreeMutex()
+    {
+        cThread wrapper;
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(wrapper.threadInit(0, 0, 0, stackSize), 0);
+            QCOMPARE(wrapper.trylockThreadMutex(), 0);
+        }
+    }
 };
 
 PLAYER_TEST_MAIN(ThreadTest)

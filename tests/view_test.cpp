@@ -64,8 +64,8 @@ private Q_SLOTS:
     {
         Host host(Host::Quick);
         host.open(media("tone.flac"));
-        AWAIT_EQUAL(host.state(), 3);
-        host.record.playState = 3;
+        AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
+        host.record.playState = GST_STATE_PAUSED;
         for (const int command : {MediaPlayerCommandPlayState, MediaPlayerCommandSeek}) {
             storeRelaxed(host.record.command, command);
             storeRelease(host.record.execute, 1);
@@ -75,7 +75,7 @@ private Q_SLOTS:
             QVERIFY(blockForOnePass(host));
             QCOMPARE(host.state() == 99, command == MediaPlayerCommandPlayState);
             QCOMPARE(host.position() == -99, command == MediaPlayerCommandSeek);
-            AWAIT(host.state() == 3 && host.position() >= 0);
+            AWAIT(host.state() == GST_STATE_PAUSED && host.position() >= 0);
         }
     }
 };

@@ -50,6 +50,10 @@ Answer goToState(MediaPlayerView &view, const Record &record)
 {
     if (!view.pipeline)
         return Answer::Done;
+    {
+        const Guard guard(view.lock);
+        view.shared.awaitsItem = false; // what comes of this request is told
+    }
     view.updateSize(false);
     const std::int32_t wanted = record.playState();
     if (wanted != GST_STATE_NULL) {
@@ -98,8 +102,7 @@ Answer transform(MediaPlayerView &view, const Record &record)
 {
     if (view.videoItem)
         QMetaObject::invokeMethod(view.videoItem, "setTransformation",
-                                  Q_ARG(QVariant, record.flips()),
-                                  Q_ARG(QVariant, record.angle()));
+                                  Q_ARG(QVariant, record.flips()), Q_ARG(QVariant, record.angle()));
     return Answer::Done;
 }
 
@@ -128,16 +131,11 @@ Answer keepAspectRatio(MediaPlayerView &view, const Record &record)
 }
 
 constexpr std::pair<int, Handler> handlers[] = {
-    {MediaPlayerCommandLoad, loadMedia},
-    {MediaPlayerCommandVolume, setVolume},
-    {MediaPlayerCommandPlayState, goToState},
-    {MediaPlayerCommandMute, setMute},
-    {MediaPlayerCommandSeek, seek},
-    {MediaPlayerCommandRebind, markForRebinding},
-    {MediaPlayerCommandTransform, transform},
-    {MediaPlayerCommandCrop, crop},
-    {MediaPlayerCommandOpacity, setOpacity},
-    {MediaPlayerCommandKeepAspectRatio, keepAspectRatio},
+    {MediaPlayerCommandLoad, loadMedia},      {MediaPlayerCommandVolume, setVolume},
+    {MediaPlayerCommandPlayState, goToState}, {MediaPlayerCommandMute, setMute},
+    {MediaPlayerCommandSeek, seek},           {MediaPlayerCommandRebind, markForRebinding},
+    {MediaPlayerCommandTransform, transform}, {MediaPlayerCommandCrop, crop},
+    {MediaPlayerCommandOpacity, setOpacity},  {MediaPlayerCommandKeepAspectRatio, keepAspectRatio},
 };
 
 Answer carryOut(MediaPlayerView &view, std::int32_t command, const Record &record)
@@ -149,8 +147,7 @@ Answer carryOut(MediaPlayerView &view, std::int32_t command, const Record &recor
     return Answer::Done; // an unknown code
 }
 
-/// True when a media error came up meanwhile.
-bool answerCommand(MediaPlayerView &view, Answer answer)
+void answerCommand(MediaPlayerView &view, Answer answer)
 {
     const Guard guard(view.lock);
     view.shared.commandRunning = false;
@@ -159,7 +156,6 @@ bool answerCommand(MediaPlayerView &view, Answer answer)
             record.answerCommand(answer == Answer::Done);
         record.lowerExecute();
     }
-    return std::exchange(view.shared.errorAfterCommand, false);
 }
 
 } // namespace
@@ -173,6 +169,7 @@ void MediaPlayerView::updateSize(bool)
 
 bool carryOutCommand(MediaPlayerView &view)
 {
+    assertGuiThread();
     const QPointer<MediaPlayerView> self(&view);
     const Record record(view.params);
     record.isExecuting(); // makes the host's operands visible on this thread
@@ -185,7 +182,6 @@ bool carryOutCommand(MediaPlayerView &view)
     const Answer answer = carryOut(view, command, record);
     if (!self)
         return false;
-    if (answerCommand(view, answer))
-        view.mediaFailed(view.pipeline);
+    answerCommand(view, answer);
     return true;
 }

@@ -35,7 +35,7 @@ bool drain(MediaPlayerView &view, GstElement *current)
     const ObjectRef<GstBus> bus(gst_element_get_bus(current));
     const auto end = Clock::now() + drainTime;
     auto deadline = Clock::now() + quietTime;
-    while (waitForBus(bus.get(), std::min(deadline, end))) {
+    do {
         switch (hearOne(view, current, bus.get())) {
         case Heard::Message:
             deadline = Clock::now() + quietTime;
@@ -47,7 +47,7 @@ bool drain(MediaPlayerView &view, GstElement *current)
         case Heard::OtherPipeline:
             return false;
         }
-    }
+    } while (waitForBus(bus.get(), std::min(deadline, end)));
     return true;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace
 {
@@ -33,7 +34,8 @@ bool tellsOfPlaying(GstMessage *message)
 {
     return newStateOf(message) == GST_STATE_PLAYING
         && std::strncmp(GST_MESSAGE_SRC_NAME(message), pipelineNamePrefix,
-                        sizeof pipelineNamePrefix - 1) == 0;
+                        sizeof pipelineNamePrefix - 1)
+        == 0;
 }
 
 /// An end or a change of state of a run that is over, or that a seek has overtaken. Older, not
@@ -57,7 +59,7 @@ void rewind(MediaPlayerView &view, const GstElement *current) REQUIRES(view.sequ
         return view.sequence.isAwaited() || !loadAcquire(view.pipelineActive);
     };
     if (!run(view, sequence::endOfStream, isOvertakenBy)) {
-        view.inSequence.rewindCut = true;
+        view.rewindCut = true;
         return;
     }
     const Guard guard(view.lock);
@@ -76,8 +78,7 @@ void answerError(MediaPlayerView &view, const GstElement *current) REQUIRES(view
 }
 
 /// Writes what the message means into the record.
-void note(MediaPlayerView &view, const GstElement *current, GstMessage *message)
-    REQUIRES(view.lock)
+void note(MediaPlayerView &view, const GstElement *current, GstMessage *message) REQUIRES(view.lock)
 {
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
         answerError(view, current);
@@ -101,6 +102,10 @@ Taken take(MediaPlayerView &view, GstElement *current, GstBus *bus) REQUIRES(vie
         return {Heard::OtherPipeline, nullptr};
     if (view.shared.commandRunning)
         return {Heard::NotItsTurn, nullptr};
+    if (std::exchange(view.shared.flushedErrorOf, nullptr) == current) {
+        answerError(view, current);
+        return {Heard::Message, nullptr};
+    }
     MessageRef message(gst_bus_pop_filtered(bus, handledMessages));
     if (!message)
         return {Heard::Nothing, nullptr};
@@ -134,10 +139,7 @@ void act(MediaPlayerView &view, GstElement *current, GstMessage *message) RELEAS
 {
     if (message && GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS)
         rewind(view, current);
-    const bool failed = takeErrorBeforeNull(view);
     view.sequence.release();
-    if (failed)
-        view.mediaFailed(current);
     if (message && current)
         tell(current, message);
 }
@@ -169,15 +171,4 @@ void MediaPlayerView::handle_message(GstMessage *message)
         note(*this, current, message);
     }
     act(*this, current, message);
-}
-
-void MediaPlayerView::mediaFailed(const GstElement *subject)
-{
-    const Guard guard(lock);
-    if (!listensTo(*this, subject))
-        return;
-    if (shared.commandRunning)
-        shared.errorAfterCommand = true;
-    else
-        answerError(*this, subject);
 }

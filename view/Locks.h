@@ -1,6 +1,9 @@
 #ifndef LOCKS_H
 #define LOCKS_H
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QThread>
+
 #include <atomic>
 #include <mutex>
 #include <thread>
@@ -21,6 +24,14 @@
 #define ACQUIRE(...) THREAD_SAFETY(acquire_capability(__VA_ARGS__))
 #define RELEASE(...) THREAD_SAFETY(release_capability(__VA_ARGS__))
 #define TRY_ACQUIRE(...) THREAD_SAFETY(try_acquire_capability(__VA_ARGS__))
+
+/// Ends a debug build where a function of the GUI thread is called on another one, which nobody
+/// would notice otherwise.
+inline void assertGuiThread()
+{
+    Q_ASSERT(!QCoreApplication::instance()
+             || QThread::currentThread() == QCoreApplication::instance()->thread());
+}
 
 /// The short lock: held for a few reads and writes, never across anything that waits or calls out.
 class CAPABILITY("mutex") Mutex

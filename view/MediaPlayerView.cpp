@@ -94,6 +94,7 @@ void MediaPlayerView::updateReferences(QWindow *hostWindow, QQuickItem *hostItem
 
 void MediaPlayerView::bind(const QObject *control, MediaPlayerParams *block)
 {
+    assertGuiThread();
     life.bound = true;
     life.control = control;
     const Guard guard(lock);

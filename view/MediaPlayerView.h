@@ -24,12 +24,10 @@ class cThread;
 /// media URI, and the thread that polls the record and the pipeline's bus. The window itself is
 /// never shown: the class is a QQuickView so that a Qt Quick host's window can own it.
 ///
-/// A declaration's first word tells its thread: [gui] is the application's, [update] the view's
-/// own, [streaming] GStreamer's, [any] all of them. What stands without one is [gui].
-///
-/// The slots stand together in view/slots.cpp; the work is done by the rooms: view/ places the
-/// picture and its texts, pipeline/ builds pipelines and changes their states, update/ listens to
-/// the bus and carries out commands.
+/// [gui] is the application's thread, [update] the view's own, [streaming] GStreamer's, [any] all
+/// of them. What stands without one is [gui]. The slots stand together in view/slots.cpp and hand
+/// over to the rooms: view/ places the picture and its texts, pipeline/ builds pipelines and
+/// changes their states, update/ listens to the bus and carries out commands.
 class MediaPlayerView : public QQuickView
 {
     Q_OBJECT
@@ -102,9 +100,6 @@ public:
     /// Sizes and seats the video item by the crop margins. Can run the host's code.
     void placeVideoItem() EXCLUDES(sequence, lock);
 
-    /// [any] An error of `subject`: answers and shows it, unless another pipeline is current.
-    void mediaFailed(const GstElement *subject) EXCLUDES(lock);
-
     // The order of the signals and slots is the order of the meta-object's methods.
 Q_SIGNALS:
     void destruct();
@@ -118,8 +113,8 @@ public Q_SLOTS:
     bool loadFile() EXCLUDES(sequence, lock);
 
     /// [any] but streaming and render threads. Asks for a state and waits for it, at most 100 polls
-    /// of 10 ms. FAILURE without a pipeline, for a number that is no state to go to, where GStreamer
-    /// refuses, and inside a change of state that the caller itself has begun.
+    /// of 10 ms. FAILURE without a pipeline, for a number that is no state to go to, where
+    /// GStreamer refuses, and inside a change of state that the caller itself has begun.
     GstStateChangeReturn gstElementSetState(GstState state) EXCLUDES(lock);
 
     void resetItem() EXCLUDES(sequence, lock);
@@ -184,9 +179,12 @@ public:
     SequenceLock sequence ACQUIRED_BEFORE(lock);
 
     RunMarks shared GUARDED_BY(lock);
-    TurnMarks inSequence GUARDED_BY(sequence);
 
-    /// An updateValues() that the update thread queued has not finished. Written like invokePending.
+    /// A rewind at the end of the stream was given up half way; the next turn knows.
+    bool rewindCut GUARDED_BY(sequence) = false;
+
+    /// An updateValues() that the update thread queued has not finished. Written like
+    /// invokePending.
     bool commandQueued = false;
 
     // Of the GUI thread alone.

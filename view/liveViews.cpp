@@ -62,5 +62,5 @@ void endLiveViews()
 
 void MediaPlayerView::librariesLoaded()
 {
-    quirks::librariesLoaded(stopLiveViews);
+    Quirks::librariesLoaded(stopLiveViews);
 }

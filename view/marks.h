@@ -24,17 +24,11 @@ struct RunMarks {
     /// A command is being carried out and has not reported: messages wait for the report.
     bool commandRunning = false;
 
-    /// A media error came up inside that command, and is answered after it.
-    bool errorAfterCommand = false;
+    /// The pipeline of which NULL has flushed an error off the bus; the listener answers it.
+    const GstElement *flushedErrorOf = nullptr;
 
     /// The picture cannot take frames yet: errors of a request that came too early are dropped.
     bool awaitsItem = false;
-};
-
-/// Guarded by the view's `sequence`: what one turn leaves for the next.
-struct TurnMarks {
-    bool rewindCut = false; ///< a rewind at the end of the stream was given up half way
-    bool errorBeforeNull = false; ///< NULL flushed an error off the bus; still to be answered
 };
 
 /// The GUI thread's own.

@@ -25,12 +25,14 @@ void postFor(MediaPlayerView &view, const GstElement *subject, const std::functi
 
 void MediaPlayerView::showOverlay(const QString &text)
 {
+    assertGuiThread();
     QMetaObject::invokeMethod(videoObject, "showOverlay", Qt::QueuedConnection,
                               Q_ARG(QVariant, QVariant(text)));
 }
 
 void MediaPlayerView::hideOverlay()
 {
+    assertGuiThread();
     QMetaObject::invokeMethod(videoObject, "hideOverlay", Qt::QueuedConnection);
 }
 

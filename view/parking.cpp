@@ -41,6 +41,7 @@ void resumeIfWanted(MediaPlayerView &view)
 
 bool park(MediaPlayerView &view)
 {
+    assertGuiThread();
     const QPointer<MediaPlayerView> self(&view);
     parkVideoObject(view);
     if (!self)
@@ -54,6 +55,7 @@ bool park(MediaPlayerView &view)
 
 bool bringBack(MediaPlayerView &view)
 {
+    assertGuiThread();
     const QPointer<MediaPlayerView> self(&view);
     if (view.videoObject)
         moveHostItemToOrigin(view);
