@@ -1,0 +1,30 @@
+#include "QuickStage.h"
+
+QuickStage::QuickStage(const PluginLibrary &library) : Stage(library)
+{
+    window.installEventFilter(this);
+    window.resize(960, 540);
+    window.setColor(Qt::black);
+    window.show();
+}
+
+// Each place has a parent of its own: the plug-in moves the parent of the item it is given.
+QObject *QuickStage::makePlace()
+{
+    auto *cell = new QQuickItem(window.contentItem());
+    auto *place = new QQuickItem(cell);
+    place->setClip(true); // a cropped picture is larger than its place
+    return place;
+}
+
+void QuickStage::movePlace(QObject *place, const QRect &rect)
+{
+    auto *item = static_cast<QQuickItem *>(place);
+    item->parentItem()->setPosition(rect.topLeft());
+    item->setSize(rect.size());
+}
+
+BasicWidget *QuickStage::makeControl(QObject *place)
+{
+    return plugin.createQml(&window, static_cast<QQuickItem *>(place), nullptr, 0, 0, 0, 0);
+}
