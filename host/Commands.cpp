@@ -19,12 +19,15 @@ QStringList Command::keys() const
         .split(QStringLiteral("; "), Qt::SkipEmptyParts);
 }
 
+QString Command::hint() const
+{
+    return shortcut().toString(QKeySequence::NativeText);
+}
+
 QString Command::label() const
 {
     const QString name = QString(text()).remove(QLatin1Char('&'));
-    return shortcut().isEmpty()
-        ? name
-        : QStringLiteral("%1 (%2)").arg(name, shortcut().toString(QKeySequence::NativeText));
+    return hint().isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, hint());
 }
 
 Commands::Commands(Session &theSession) : session(theSession)

@@ -14,6 +14,7 @@ class Command : public QAction
     Q_PROPERTY(QString drawing READ drawing NOTIFY changed)
     Q_PROPERTY(QStringList keys READ keys CONSTANT)
     Q_PROPERTY(QString label READ label NOTIFY changed)
+    Q_PROPERTY(QString hint READ hint CONSTANT)
     Q_PROPERTY(bool listed MEMBER listed CONSTANT)
 
 public:
@@ -22,7 +23,8 @@ public:
     QString drawing() const { return theDrawing; } ///< a name for look::image()
     void setDrawing(const QString &name); ///< and the icon
     QStringList keys() const; ///< as QML's shortcuts want them
-    QString label() const; ///< the text without mnemonics, with the first key
+    QString hint() const; ///< the first key, as it is written on the keyboard
+    QString label() const; ///< the text without mnemonics, with the hint
 
     bool listed = true; ///< whether it is in the menu
 

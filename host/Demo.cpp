@@ -86,7 +86,8 @@ bool Demo::isPaused() const
 
 bool Demo::isBack() const
 {
-    return isPaused() && readShared(player.record().position) <= player.duration() * 260'000;
+    const qint64 place = readShared(player.record().position);
+    return isPaused() && place >= 0 && place <= player.duration() * 260'000;
 }
 
 bool Demo::playsOn() const
@@ -96,7 +97,7 @@ bool Demo::playsOn() const
 
 bool Demo::isAtEnd() const
 {
-    return player.mediaStatus() == Player::EndOfMedia;
+    return player.mediaStatus() == Player::EndOfMedia && readShared(player.record().position) >= 0;
 }
 
 void Demo::goBack()

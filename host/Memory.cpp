@@ -9,12 +9,6 @@ constexpr qint64 nearAnEnd = 3000; // of the start and of the end; milliseconds
 static const QString recentKey = QStringLiteral("recent");
 static const QString placesKey = QStringLiteral("places");
 
-QSize Memory::windowSize() const
-{
-    const QSize size = settings.value(QStringLiteral("window/size"), QSize(960, 640)).toSize();
-    return available.isEmpty() ? size : size.boundedTo(available * 0.92);
-}
-
 QStringList Memory::recent() const
 {
     return settings.value(recentKey).toStringList();

@@ -9,11 +9,13 @@
 class Memory
 {
 public:
-    QSize windowSize() const; ///< fits on a screen of `available`; see setAvailable()
+    QSize windowSize() const
+    {
+        return settings.value(QStringLiteral("window/size"), QSize(960, 640)).toSize();
+    }
     void setWindowSize(QSize size) { settings.setValue(QStringLiteral("window/size"), size); }
     bool isMaximized() const { return flag("window/maximized"); }
     void setMaximized(bool on) { settings.setValue(QStringLiteral("window/maximized"), on); }
-    void setAvailable(QSize size) { available = size; }
 
     double volume() const { return settings.value(QStringLiteral("sound/volume"), 1.0).toDouble(); }
     void setVolume(double volume) { settings.setValue(QStringLiteral("sound/volume"), volume); }
@@ -34,7 +36,6 @@ private:
     bool flag(const char *key) const { return settings.value(QLatin1String(key)).toBool(); }
 
     QSettings settings {QStringLiteral("mediaplayer"), QStringLiteral("host")};
-    QSize available;
 };
 
 #endif

@@ -95,6 +95,8 @@ QString RecordField::text(MediaPlayerParams &record) const
     const QVariant raw = read(record);
     switch (kind) {
     case Nanoseconds:
+        if (raw.toDouble() < -1e9) // a client marks so what it has not heard of yet
+            return QStringLiteral("unknown");
         return QString::number(raw.toDouble(), 'f', 3) + QStringLiteral(" s");
     case State:
         return stateName(raw.toInt());

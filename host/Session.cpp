@@ -1,6 +1,5 @@
 #include "Session.h"
 
-#include "Commands.h"
 #include "Cover.h"
 #include "mediaFiles.h"
 
@@ -56,7 +55,7 @@ void Session::open(const QList<QUrl> &urls)
 {
     const QList<QUrl> media = mediaAt(urls);
     if (media.isEmpty())
-        return tell(tr("There is nothing to play in %1").arg(nameOf(urls.value(0))), true);
+        return tell(tr("There is nothing to play in %1").arg(::nameOf(urls.value(0))), true);
     theMemory.addRecent(urls[0]);
     Q_EMIT recentChanged();
     const int first = theList.append(media);
@@ -251,6 +250,11 @@ void Session::toggleMuted()
 {
     thePlayer.setMuted(!thePlayer.isMuted());
     tell(thePlayer.isMuted() ? tr("Muted") : tr("Not muted"));
+}
+
+QString Session::nameOf(const QString &address)
+{
+    return ::nameOf(QUrl(address));
 }
 
 QString clockText(qint64 milliseconds)

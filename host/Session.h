@@ -1,6 +1,7 @@
 #ifndef SESSION_H
 #define SESSION_H
 
+#include "Commands.h"
 #include "Developer.h"
 #include "Memory.h"
 #include "PlayList.h"
@@ -8,12 +9,12 @@
 #include <MediaPlayer/Player.h>
 
 #include <QtCore/QPoint>
+#include <QtCore/QPointer>
 #include <QtCore/QTimer>
 #include <QtGui/QImage>
 
 #include <memory>
 
-class Commands;
 class QWindow;
 
 /// What both hosts are: a player with its list, what is remembered, and what is to be shown. A
@@ -25,6 +26,7 @@ class Session : public QObject
     Q_PROPERTY(PlayList *list READ list CONSTANT)
     Q_PROPERTY(Developer *developer READ developer CONSTANT)
     Q_PROPERTY(Commands *commands READ commands CONSTANT)
+    Q_PROPERTY(QStringList recent READ recent NOTIFY recentChanged)
 
     // What plays.
     Q_PROPERTY(QString title READ title NOTIFY mediaChanged)
@@ -56,6 +58,8 @@ public:
     Developer *developer() { return &theDeveloper; }
     Commands *commands() { return theCommands.get(); }
     Memory &memory() { return theMemory; }
+    QStringList recent() const { return theMemory.recent(); } ///< addresses
+    Q_INVOKABLE static QString nameOf(const QString &address);
 
     QString title() const { return theList.title(theList.current()); }
     QString artist() const;
@@ -78,11 +82,12 @@ public:
     bool isDeveloperShown() const { return developerShown; }
     void setDeveloperShown(bool on);
 
-    /// Shows the controls for a while, whenever the user moves; see watch().
+    /// Shows the controls for a while, whenever the user moves; see show().
     void touch();
 
-    /// Follows the pointer in the window, and remembers its size.
-    void watch(QWindow *window);
+    /// Gives the window the size that it had, and remembers the one that it gets; follows the
+    /// pointer in it, and makes it fill the screen when that is wanted.
+    void show(QWindow *theWindow);
 
     Q_INVOKABLE void open(const QList<QUrl> &urls); ///< appends what they stand for, and plays it
     Q_INVOKABLE void openTyped(const QString &address);
@@ -126,6 +131,7 @@ private:
     QTimer noticeEnd;
     QTimer idle; ///< since the user moved
     QTimer slow; ///< since a medium began to load
+    QPointer<QWindow> window;
     QPoint pointer; ///< where it was last
     bool noticeWarns = false;
     bool fullScreen = false;

@@ -35,6 +35,8 @@ void Session::setFullScreen(bool on)
 {
     if (std::exchange(fullScreen, on) == on)
         return;
+    if (window)
+        window->setWindowStates(window->windowStates().setFlag(Qt::WindowFullScreen, on));
     controlsShown = true;
     idle.start();
     Q_EMIT shownChanged();
@@ -54,16 +56,21 @@ void Session::setDeveloperShown(bool on)
     Q_EMIT shownChanged();
 }
 
-void Session::watch(QWindow *window)
+void Session::show(QWindow *theWindow)
 {
+    window = theWindow;
+    const QSize room = window->screen()->availableSize() * 0.92; // its frame is around it
+    window->resize(theMemory.windowSize().boundedTo(room));
+    if (theMemory.isMaximized())
+        window->setWindowStates(Qt::WindowMaximized);
     window->installEventFilter(this);
+    window->setVisible(true);
     touch();
 }
 
 // A window that appears under the pointer is told of a movement that is none.
 bool Session::eventFilter(QObject *object, QEvent *event)
 {
-    auto *window = static_cast<QWindow *>(object);
     switch (event->type()) {
     case QEvent::MouseMove:
         if (std::exchange(pointer, QCursor::pos()) != QCursor::pos())

@@ -1,5 +1,7 @@
 #include "QuickStage.h"
 
+#include <QtQuick/QQuickItem>
+
 QuickStage::QuickStage(const PluginLibrary &library) : Stage(library)
 {
     window.installEventFilter(this);

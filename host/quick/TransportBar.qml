@@ -2,75 +2,69 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-// Buttons, the seek slider with its times, and the volume of the current player.
-RowLayout {
-    id: bar
+// The seek bar, and below it the buttons, times, title and volume. Leaves out what has no room.
+Pane {
+    id: transport
 
     required property var session
+    required property color warning
     readonly property var player: session.player
+    readonly property real loudest: 2
 
-    function clock(seconds) {
-        const pad = n => n < 10 ? "0" + n : n;
-        const whole = Math.floor(seconds);
-        const minutes = Math.floor(whole / 60);
-        return minutes < 60 ? minutes + ":" + pad(whole % 60) : Math.floor(minutes / 60) + ":" + pad(minutes % 60) + ":" + pad(whole % 60);
+    signal menuWanted
+
+    padding: 6
+
+    WheelHandler {
+        onWheel: event => transport.session.changeVolume(event.angleDelta.y > 0 ? 1 : -1)
     }
 
-    component BarButton: ToolButton {
-        focusPolicy: Qt.NoFocus // the keys belong to the shortcuts
-    }
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 2
 
-    spacing: 2
-
-    BarButton {
-        text: "\u25C0\u25C0"
-        onClicked: bar.session.playEntry(bar.session.entry - 1)
-    }
-    BarButton {
-        text: bar.player.playing ? "\u275A\u275A" : "\u25B6"
-        onClicked: bar.session.togglePlaying()
-    }
-    BarButton {
-        text: "\u25A0"
-        onClicked: bar.player.stop()
-    }
-    BarButton {
-        text: "\u25B6\u25B6"
-        onClicked: bar.session.playEntry(bar.session.entry + 1)
-    }
-
-    Slider {
-        id: seekSlider
-
-        Layout.fillWidth: true
-        Layout.leftMargin: 6
-        Layout.rightMargin: 6
-        focusPolicy: Qt.NoFocus
-        to: Math.max(bar.player.duration, 0.001)
-        onMoved: bar.player.seek(value)
-
-        Binding on value {
-            value: bar.player.position
-            when: !seekSlider.pressed
+        Bar {
+            objectName: "seekBar"
+            Layout.fillWidth: true
+            enabled: transport.player.seekable
+            value: transport.player.duration > 0 ? transport.player.position / transport.player.duration : 0
+            textAt: part => transport.session.timeAt(part)
+            onMoved: part => transport.session.seekTo(part)
         }
-    }
 
-    Label {
-        text: bar.clock(bar.player.position) + " / " + bar.clock(bar.player.duration)
-    }
+        RowLayout {
+            spacing: 2
 
-    BarButton {
-        text: "\u266A"
-        checkable: true
-        font.strikeout: bar.player.muted
-        checked: bar.player.muted
-        onToggled: bar.player.muted = checked
-    }
-    Slider {
-        Layout.preferredWidth: 100
-        Layout.rightMargin: 6
-        focusPolicy: Qt.NoFocus
-        value: bar.player.volume
-        onMoved: bar.player.volume = value
+            BarButton { command: transport.session.commands.named("previous") }
+            BarButton { command: transport.session.commands.named("play") }
+            BarButton { command: transport.session.commands.named("next") }
+            Label { text: transport.session.times }
+            Label {
+                Layout.fillWidth: true
+                Layout.leftMargin: 8
+                elide: Text.ElideRight
+                textFormat: Text.PlainText
+                text: transport.session.artist ? qsTr("%1 - %2").arg(transport.session.artist).arg(transport.session.title) : transport.session.title
+            }
+            BarButton { command: transport.session.commands.named("mute") }
+            Bar {
+                objectName: "volumeBar"
+                Layout.preferredWidth: 110
+                visible: transport.width >= 520
+                warning: transport.warning
+                mark: 1 / transport.loudest
+                value: transport.player.volume / transport.loudest
+                textAt: part => qsTr("%1 %").arg(Math.round(part * transport.loudest * 100))
+                onMoved: part => transport.session.setVolume(part * transport.loudest)
+            }
+            BarButton { command: transport.session.commands.named("list") }
+            BarButton { command: transport.session.commands.named("fullscreen") }
+            BarButton {
+                drawing: "menu"
+                text: qsTr("Menu")
+                display: AbstractButton.IconOnly
+                onClicked: transport.menuWanted()
+            }
+        }
     }
 }

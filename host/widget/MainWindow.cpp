@@ -10,7 +10,6 @@
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QScreen>
 #include <QtGui/QShortcut>
-#include <QtGui/QWindow>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QInputDialog>
 #include <QtWidgets/QListView>
@@ -34,12 +33,10 @@ MainWindow::MainWindow(Session &theSession)
     connect(&session, &Session::shownChanged, this, &MainWindow::showState);
     connect(&session, &Session::mediaChanged, this, &MainWindow::showState);
 
-    session.memory().setAvailable(screen()->availableSize());
-    resize(session.memory().windowSize());
-    winId();
-    session.watch(windowHandle());
-    session.memory().isMaximized() ? showMaximized() : show();
     showState();
+    winId(); // makes the window
+    session.show(windowHandle());
+    show();
 }
 
 void MainWindow::buildMenu()
@@ -67,9 +64,9 @@ void MainWindow::buildMenu()
 void MainWindow::showRecent()
 {
     recent->clear();
-    for (const QString &address : session.memory().recent()) {
-        const QUrl media(address);
-        recent->addAction(nameOf(media), this, [this, media] { session.open({media}); });
+    for (const QString &address : session.recent()) {
+        recent->addAction(session.nameOf(address), this,
+                          [this, address] { session.openTyped(address); });
     }
 }
 
@@ -116,8 +113,6 @@ void MainWindow::showState()
 {
     setWindowTitle(session.title().isEmpty() ? tr("Media player")
                                              : tr("%1 - Media player").arg(session.title()));
-    if (session.isFullScreen() != isFullScreen())
-        setWindowState(windowState() ^ Qt::WindowFullScreen);
     session.areControlsShown() ? area->unsetCursor() : area->setCursor(Qt::BlankCursor);
     layOut();
 }
