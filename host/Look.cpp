@@ -23,8 +23,8 @@ QPalette palette()
     p.setColor(QPalette::PlaceholderText, QColor(0x6b, 0x72, 0x80));
     p.setColor(QPalette::Highlight, accent);
     p.setColor(QPalette::HighlightedText, Qt::white);
-    p.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0xa0, 0xa7, 0xb3));
-    p.setColor(QPalette::Disabled, QPalette::Text, QColor(0xa0, 0xa7, 0xb3));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        p.setColor(QPalette::Disabled, role, QColor(0xa0, 0xa7, 0xb3));
     return p;
 }
 

@@ -3,6 +3,7 @@
 #include "Cover.h"
 #include "mediaFiles.h"
 
+#include <QtCore/QStandardPaths>
 #include <QtCore/QTime>
 
 #include <algorithm>
@@ -55,7 +56,7 @@ void Session::open(const QList<QUrl> &urls)
 {
     const QList<QUrl> media = mediaAt(urls);
     if (media.isEmpty())
-        return tell(tr("There is nothing to play in %1").arg(::nameOf(urls.value(0))), true);
+        return tell(tr("There is nothing to play in %1").arg(nameOf(urls.value(0))), true);
     theMemory.addRecent(urls[0]);
     Q_EMIT recentChanged();
     const int first = theList.append(media);
@@ -120,7 +121,9 @@ void Session::failed()
     Q_EMIT told();
     if (row + 1 >= theList.count())
         return;
-    tell(tr("%1: %2").arg(title(), thePlayer.errorString()), true);
+    const QString reason = thePlayer.errorString();
+    const QString name = nameOf(theList.media(row));
+    tell(reason.contains(name) ? reason : tr("%1: %2").arg(name, reason), true);
     QMetaObject::invokeMethod(this, &Session::next, Qt::QueuedConnection);
 }
 
@@ -134,7 +137,6 @@ void Session::statusChanged()
         leaveMedia();
         QMetaObject::invokeMethod(this, &Session::next, Qt::QueuedConnection);
     }
-    metaDataChanged();
     Q_EMIT told();
 }
 
@@ -252,9 +254,25 @@ void Session::toggleMuted()
     tell(thePlayer.isMuted() ? tr("Muted") : tr("Not muted"));
 }
 
-QString Session::nameOf(const QString &address)
+QUrl Session::folder() const
 {
-    return ::nameOf(QUrl(address));
+    const QUrl last(theMemory.recent().value(0));
+    if (last.isLocalFile())
+        return last.adjusted(QUrl::RemoveFilename);
+    return QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::MoviesLocation));
+}
+
+QStringList Session::recent() const
+{
+    QStringList names;
+    for (const QString &address : theMemory.recent())
+        names.append(nameOf(QUrl(address)));
+    return names;
+}
+
+void Session::openRecent(int row)
+{
+    open({QUrl(theMemory.recent().value(row))});
 }
 
 QString clockText(qint64 milliseconds)

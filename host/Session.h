@@ -15,6 +15,7 @@
 
 #include <memory>
 
+class QScreen;
 class QWindow;
 
 /// What both hosts are: a player with its list, what is remembered, and what is to be shown. A
@@ -27,6 +28,7 @@ class Session : public QObject
     Q_PROPERTY(Developer *developer READ developer CONSTANT)
     Q_PROPERTY(Commands *commands READ commands CONSTANT)
     Q_PROPERTY(QStringList recent READ recent NOTIFY recentChanged)
+    Q_PROPERTY(QUrl folder READ folder NOTIFY recentChanged)
 
     // What plays.
     Q_PROPERTY(QString title READ title NOTIFY mediaChanged)
@@ -58,8 +60,9 @@ public:
     Developer *developer() { return &theDeveloper; }
     Commands *commands() { return theCommands.get(); }
     Memory &memory() { return theMemory; }
-    QStringList recent() const { return theMemory.recent(); } ///< addresses
-    Q_INVOKABLE static QString nameOf(const QString &address);
+    QStringList recent() const; ///< the names of what was opened last
+    Q_INVOKABLE void openRecent(int row);
+    QUrl folder() const; ///< where a user is likely to look for the next
 
     QString title() const { return theList.title(theList.current()); }
     QString artist() const;
@@ -82,12 +85,13 @@ public:
     bool isDeveloperShown() const { return developerShown; }
     void setDeveloperShown(bool on);
 
-    /// Shows the controls for a while, whenever the user moves; see show().
+    /// Shows the controls for a while, whenever the user moves; see watch().
     void touch();
 
-    /// Gives the window the size that it had, and remembers the one that it gets; follows the
-    /// pointer in it, and makes it fill the screen when that is wanted.
-    void show(QWindow *theWindow);
+    QSize firstSize(const QScreen &screen) const; ///< of the window: as it was, if it fits
+
+    /// Remembers the size of the window, and follows the pointer in it.
+    void watch(QWindow *window);
 
     Q_INVOKABLE void open(const QList<QUrl> &urls); ///< appends what they stand for, and plays it
     Q_INVOKABLE void openTyped(const QString &address);
@@ -131,7 +135,7 @@ private:
     QTimer noticeEnd;
     QTimer idle; ///< since the user moved
     QTimer slow; ///< since a medium began to load
-    QPointer<QWindow> window;
+    QPointer<QWindow> watched;
     QPoint pointer; ///< where it was last
     bool noticeWarns = false;
     bool fullScreen = false;

@@ -49,7 +49,9 @@ static QList<QUrl> mediaInFolder(const QString &folder)
         if (!isPlayList(file))
             files.append(file);
     }
-    QCollator order;
+    // The C locale does not count.
+    const QLocale locale = QLocale::system();
+    QCollator order(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
     order.setNumericMode(true);
     std::sort(files.begin(), files.end(), order);
     QList<QUrl> urls;

@@ -35,8 +35,6 @@ void Session::setFullScreen(bool on)
 {
     if (std::exchange(fullScreen, on) == on)
         return;
-    if (window)
-        window->setWindowStates(window->windowStates().setFlag(Qt::WindowFullScreen, on));
     controlsShown = true;
     idle.start();
     Q_EMIT shownChanged();
@@ -56,15 +54,15 @@ void Session::setDeveloperShown(bool on)
     Q_EMIT shownChanged();
 }
 
-void Session::show(QWindow *theWindow)
+QSize Session::firstSize(const QScreen &screen) const
 {
-    window = theWindow;
-    const QSize room = window->screen()->availableSize() * 0.92; // its frame is around it
-    window->resize(theMemory.windowSize().boundedTo(room));
-    if (theMemory.isMaximized())
-        window->setWindowStates(Qt::WindowMaximized);
+    return theMemory.windowSize().boundedTo(screen.availableSize() * 0.92); // with its frame
+}
+
+void Session::watch(QWindow *window)
+{
+    watched = window;
     window->installEventFilter(this);
-    window->setVisible(true);
     touch();
 }
 
@@ -81,12 +79,12 @@ bool Session::eventFilter(QObject *object, QEvent *event)
         touch();
         break;
     case QEvent::Resize:
-        if (window->windowStates() == Qt::WindowNoState)
-            theMemory.setWindowSize(window->size());
+        if (watched->windowStates() == Qt::WindowNoState)
+            theMemory.setWindowSize(watched->size());
         break;
     case QEvent::WindowStateChange:
-        if (!(window->windowStates() & Qt::WindowFullScreen))
-            theMemory.setMaximized(window->windowStates() & Qt::WindowMaximized);
+        if (!(watched->windowStates() & Qt::WindowFullScreen))
+            theMemory.setMaximized(watched->windowStates() & Qt::WindowMaximized);
         break;
     default:
         break;

@@ -26,6 +26,7 @@ Item {
     }
 
     implicitHeight: 20
+    opacity: enabled ? 1 : 0.5
     implicitWidth: 80
 
     Stretch { color: "#d5dae3" }
@@ -58,7 +59,7 @@ Item {
     ToolTip {
         x: Math.min(Math.max(pointer.mouseX - width / 2, 0), bar.width - width)
         y: -height - 2
-        visible: pointer.containsMouse || pointer.pressed
+        visible: bar.enabled && (pointer.containsMouse || pointer.pressed)
         text: bar.textAt(pointer.part)
     }
 }

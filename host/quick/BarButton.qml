@@ -13,6 +13,7 @@ ToolButton {
     flat: true
     focusPolicy: Qt.NoFocus // the keys belong to the commands
     enabled: command?.enabled ?? true
+    checked: command?.checked ?? false
     icon.source: "image://host/" + drawing
     icon.width: 20
     icon.height: 20

@@ -18,9 +18,11 @@ public:
 
     QImage requestImage(const QString &id, QSize *size, const QSize &requested) override
     {
-        const QImage image = id.startsWith(QLatin1String("cover/"))
-            ? session.cover()
-            : look::image(id, requested.isEmpty() ? 96 : requested.height());
+        QImage image;
+        if (id.startsWith(QLatin1String("cover/")))
+            image = session.cover();
+        if (image.isNull()) // also a cover that is gone already
+            image = look::image(id, requested.isEmpty() ? 96 : requested.height());
         *size = image.size();
         return image;
     }

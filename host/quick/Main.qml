@@ -107,6 +107,8 @@ ApplicationWindow {
 
         title: qsTr("Open files")
         fileMode: FileDialog.OpenFiles
+        options: FileDialog.HideNameFilterDetails
+        currentFolder: window.session.folder
         nameFilters: window.fileFilters
         onAccepted: window.session.open(selectedFiles)
     }
@@ -115,6 +117,7 @@ ApplicationWindow {
         id: folderDialog
 
         title: qsTr("Open folder")
+        currentFolder: window.session.folder
         onAccepted: window.session.open([selectedFolder])
     }
 

@@ -57,9 +57,10 @@ Menu {
             model: menu.session.recent
             delegate: MenuItem {
                 required property string modelData
+                required property int index
 
-                text: menu.session.nameOf(modelData)
-                onTriggered: menu.session.openTyped(modelData)
+                text: modelData
+                onTriggered: menu.session.openRecent(index)
             }
             onObjectAdded: (index, object) => recent.insertItem(index, object)
             onObjectRemoved: (index, object) => recent.removeItem(object)

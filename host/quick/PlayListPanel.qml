@@ -41,7 +41,7 @@ Rectangle {
                 elide: Text.ElideMiddle
                 textFormat: Text.PlainText
                 font.bold: entry.current
-                color: entry.problem ? panel.warning : entry.current ? palette.highlightedText : palette.text
+                color: entry.current ? palette.highlightedText : entry.problem ? panel.warning : palette.text
             }
             BarButton {
                 anchors.right: parent.right

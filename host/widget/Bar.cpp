@@ -39,6 +39,7 @@ void Bar::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(isEnabled() ? 1 : 0.5);
     painter.setPen(Qt::NoPen);
     const double length = width() - 2 * margin;
     const auto fill = [&](double from, double to, const QColor &colour) {

@@ -33,10 +33,10 @@ MainWindow::MainWindow(Session &theSession)
     connect(&session, &Session::shownChanged, this, &MainWindow::showState);
     connect(&session, &Session::mediaChanged, this, &MainWindow::showState);
 
+    resize(session.firstSize(*screen()));
+    session.memory().isMaximized() ? showMaximized() : show();
+    session.watch(windowHandle());
     showState();
-    winId(); // makes the window
-    session.show(windowHandle());
-    show();
 }
 
 void MainWindow::buildMenu()
@@ -64,10 +64,9 @@ void MainWindow::buildMenu()
 void MainWindow::showRecent()
 {
     recent->clear();
-    for (const QString &address : session.recent()) {
-        recent->addAction(session.nameOf(address), this,
-                          [this, address] { session.openTyped(address); });
-    }
+    const QStringList names = session.recent();
+    for (int row = 0; row < names.size(); ++row)
+        recent->addAction(names[row], this, [this, row] { session.openRecent(row); });
 }
 
 QWidget *MainWindow::makeList()
@@ -76,7 +75,7 @@ QWidget *MainWindow::makeList()
     view->setModel(session.list());
     view->setFrameShape(QFrame::NoFrame);
     view->setTextElideMode(Qt::ElideMiddle);
-    view->setSpacing(2);
+    view->setStyleSheet(QStringLiteral("QListView::item { padding: 5px }"));
     view->setFocusPolicy(Qt::ClickFocus);
     connect(view, &QListView::doubleClicked, this,
             [this](const QModelIndex &index) { session.playRow(index.row()); });
@@ -113,6 +112,7 @@ void MainWindow::showState()
 {
     setWindowTitle(session.title().isEmpty() ? tr("Media player")
                                              : tr("%1 - Media player").arg(session.title()));
+    setWindowState(windowState().setFlag(Qt::WindowFullScreen, session.isFullScreen()));
     session.areControlsShown() ? area->unsetCursor() : area->setCursor(Qt::BlankCursor);
     layOut();
 }
@@ -142,14 +142,16 @@ void MainWindow::dropEvent(QDropEvent *event)
 void MainWindow::chooseFiles()
 {
     const QList<QUrl> files = QFileDialog::getOpenFileUrls(
-        this, tr("Open files"), {}, dialogFilters().join(QStringLiteral(";;")));
+        this, tr("Open files"), session.folder(), dialogFilters().join(QStringLiteral(";;")),
+        nullptr, QFileDialog::HideNameFilterDetails);
     if (!files.isEmpty())
         session.open(files);
 }
 
 void MainWindow::chooseFolder()
 {
-    const QUrl folder = QFileDialog::getExistingDirectoryUrl(this, tr("Open folder"));
+    const QUrl folder = 
+        QFileDialog::getExistingDirectoryUrl(this, tr("Open folder"), session.folder());
     if (!folder.isEmpty())
         session.open({folder});
 }
