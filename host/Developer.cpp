@@ -39,17 +39,3 @@ void Developer::setTracing(bool on)
     MediaPlayer::setTracing(on);
     Q_EMIT changed();
 }
-
-void Developer::setOpacity(double opacity)
-{
-    player.record().opacity = opacity;
-    player.sendCommand(MediaPlayerCommandOpacity);
-    Q_EMIT changed();
-}
-
-void Developer::setAngle(int degrees)
-{
-    player.record().transformParam = degrees;
-    player.sendCommand(MediaPlayerCommandTransform);
-    Q_EMIT changed();
-}

@@ -8,8 +8,8 @@
 #include <QtCore/QStringListModel>
 #include <QtCore/QTimer>
 
-/// What the developer's panel shows and switches: the record, the last answers, the library's
-/// trace, and the operands that the player itself leaves alone.
+/// What the developer's panel shows: the record, the last answers, and the switch of the library's
+/// trace.
 class Developer : public QObject
 {
     Q_OBJECT
@@ -17,8 +17,6 @@ class Developer : public QObject
     Q_PROPERTY(QAbstractItemModel *answers READ answers CONSTANT)
     Q_PROPERTY(bool watching READ isWatching WRITE setWatching NOTIFY changed)
     Q_PROPERTY(bool tracing READ isTracing WRITE setTracing NOTIFY changed)
-    Q_PROPERTY(double opacity READ opacity WRITE setOpacity NOTIFY changed)
-    Q_PROPERTY(int angle READ angle WRITE setAngle NOTIFY changed)
 
 public:
     explicit Developer(MediaPlayer::Player &player);
@@ -30,10 +28,6 @@ public:
     void setWatching(bool on); ///< whether record() follows the record
     bool isTracing() const;
     void setTracing(bool on); ///< of the library, on standard output
-    double opacity() const { return player.record().opacity; }
-    void setOpacity(double opacity);
-    int angle() const { return player.record().transformParam; }
-    void setAngle(int degrees);
 
 Q_SIGNALS:
     void changed();

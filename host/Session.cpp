@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include "Cover.h"
+#include "Look.h"
 #include "mediaFiles.h"
 
 #include <QtCore/QStandardPaths>
@@ -252,6 +253,16 @@ void Session::toggleMuted()
 {
     thePlayer.setMuted(!thePlayer.isMuted());
     tell(thePlayer.isMuted() ? tr("Muted") : tr("Not muted"));
+}
+
+QStringList Session::fileFilters()
+{
+    return dialogFilters();
+}
+
+QColor Session::warning()
+{
+    return look::warning;
 }
 
 QUrl Session::folder() const

@@ -11,6 +11,7 @@
 #include <QtCore/QPoint>
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
+#include <QtGui/QColor>
 #include <QtGui/QImage>
 
 #include <memory>
@@ -29,6 +30,8 @@ class Session : public QObject
     Q_PROPERTY(Commands *commands READ commands CONSTANT)
     Q_PROPERTY(QStringList recent READ recent NOTIFY recentChanged)
     Q_PROPERTY(QUrl folder READ folder NOTIFY recentChanged)
+    Q_PROPERTY(QStringList fileFilters READ fileFilters CONSTANT)
+    Q_PROPERTY(QColor warning READ warning CONSTANT)
 
     // What plays.
     Q_PROPERTY(QString title READ title NOTIFY mediaChanged)
@@ -62,6 +65,8 @@ public:
     Memory &memory() { return theMemory; }
     QStringList recent() const; ///< the names of what was opened last
     Q_INVOKABLE void openRecent(int row);
+    static QStringList fileFilters(); ///< of a file dialog
+    static QColor warning(); ///< the colour for what is too loud or went wrong
     QUrl folder() const; ///< where a user is likely to look for the next
 
     QString title() const { return theList.title(theList.current()); }

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 
@@ -9,7 +11,8 @@ Item {
     property real value: 0
     property real mark: 1
     property color warning
-    property var textAt: part => ""
+    property string text
+    readonly property real pointed: pointer.part
     readonly property real shown: pointer.pressed ? pointer.part : value
 
     signal moved(part: real)
@@ -60,6 +63,6 @@ Item {
         x: Math.min(Math.max(pointer.mouseX - width / 2, 0), bar.width - width)
         y: -height - 2
         visible: bar.enabled && (pointer.containsMouse || pointer.pressed)
-        text: bar.textAt(pointer.part)
+        text: bar.text
     }
 }

@@ -16,31 +16,18 @@ Pane {
         focusPolicy: Qt.NoFocus
     }
 
-    component Setting: RowLayout {
-        property alias text: name.text
-        property alias value: slider.value
-        property alias to: slider.to
-
-        signal moved(value: real)
-
-        Label {
-            id: name
-
-            Layout.preferredWidth: 60
-        }
-        Slider {
-            id: slider
-
-            Layout.fillWidth: true
-            focusPolicy: Qt.NoFocus
-            onMoved: parent.moved(value)
-        }
-    }
-
     component Cell: Label {
+        height: 20
         elide: Text.ElideMiddle
         textFormat: Text.PlainText
         verticalAlignment: Text.AlignVCenter
+    }
+
+    component Rows: ListView {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        clip: true
+        ScrollBar.vertical: ScrollBar {}
     }
 
     padding: 8
@@ -49,7 +36,6 @@ Pane {
 
     ColumnLayout {
         anchors.fill: parent
-        spacing: 4
 
         Switch {
             text: qsTr("Show the picture")
@@ -69,51 +55,23 @@ Pane {
             checked: panel.developer.tracing
             onToggled: panel.developer.tracing = checked
         }
-        Setting {
-            text: qsTr("Opacity")
-            value: panel.developer.opacity
-            onMoved: value => panel.developer.opacity = value
-        }
-        Setting {
-            text: qsTr("Angle")
-            to: 360
-            value: panel.developer.angle
-            onMoved: value => panel.developer.angle = value
-        }
-
-        ListView {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
+        Rows {
             Layout.preferredHeight: 3
-            clip: true
             model: panel.developer.record
-            ScrollBar.vertical: ScrollBar {}
-
-            delegate: Rectangle {
-                id: field
-
-                required property int index
+            delegate: Row {
                 required property string name
                 required property string value
 
-                width: ListView.view.width
-                height: 20
-                color: index % 2 ? palette.alternateBase : palette.base
-
-                Cell { x: 4; height: 20; text: field.name }
-                Cell { x: 130; height: 20; width: parent.width - x; text: field.value }
+                Cell { width: 130; text: parent.name }
+                Cell { width: panel.availableWidth - 130; text: parent.value }
             }
         }
-        ListView {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
+        Rows {
             Layout.preferredHeight: 1
-            clip: true
             model: panel.developer.answers
             delegate: Cell {
                 required property string display
 
-                height: 20
                 text: display
             }
         }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls
 import MediaPlayer
 
 // The picture, and over it what there is to tell: a hint, a failure, a wait, a notice, or what a
@@ -8,9 +7,14 @@ Rectangle {
     id: area
 
     required property var session
-    required property color warning
     property alias film: film
     readonly property bool tells: session.headline !== ""
+
+    component Line: Text {
+        width: parent.width
+        horizontalAlignment: Text.AlignHCenter
+        textFormat: Text.PlainText
+    }
 
     color: "black"
 
@@ -21,81 +25,53 @@ Rectangle {
         player: area.session.player
     }
 
-    component Lines: Column {
-        property alias large: first.text
-        property alias small: second.text
+    Image {
+        readonly property real side: Math.min(area.width - 32, area.height - 102, 480)
 
-        width: parent.width - 32
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: (area.height - 70 - height) / 2
+        width: side
+        height: side
+        visible: area.session.soundOnly && !area.tells && side > 0
+        fillMode: Image.PreserveAspectFit
+        source: "image://host/" + (area.session.coverSerial ? "cover/" + area.session.coverSerial : "note")
+        sourceSize.height: area.session.coverSerial ? 0 : 240
+    }
+
+    Column {
         x: 16
+        y: area.tells ? (area.height - height) / 2 : area.height - 78
+        width: area.width - 32
         spacing: 6
+        visible: area.tells || area.session.soundOnly
 
-        Text {
-            id: first
-
-            width: parent.width
-            horizontalAlignment: Text.AlignHCenter
+        Line {
             elide: Text.ElideMiddle
-            textFormat: Text.PlainText
             color: "white"
             font.pointSize: Application.font.pointSize * 1.5
+            text: area.tells ? area.session.headline : area.session.title
         }
-        Text {
-            id: second
-
-            width: parent.width
-            horizontalAlignment: Text.AlignHCenter
+        Line {
             wrapMode: Text.Wrap
-            textFormat: Text.PlainText
             color: "#d5dae3"
-        }
-    }
-
-    Lines {
-        anchors.verticalCenter: parent.verticalCenter
-        visible: area.tells
-        large: area.session.headline
-        small: area.session.details
-    }
-
-    Item {
-        anchors.fill: parent
-        visible: area.session.soundOnly && !area.tells
-
-        Image {
-            readonly property real side: Math.min(parent.width - 32, parent.height - 102, 480)
-
-            anchors.horizontalCenter: parent.horizontalCenter
-            y: (parent.height - 70 - height) / 2
-            width: side
-            height: side
-            visible: side > 0
-            fillMode: Image.PreserveAspectFit
-            source: area.session.coverSerial ? "image://host/cover/" + area.session.coverSerial : "image://host/note"
-            sourceSize.height: area.session.coverSerial ? 0 : 240
-        }
-        Lines {
-            y: parent.height - 78
-            large: area.session.title
-            small: area.session.artist
+            text: area.tells ? area.session.details : area.session.artist
         }
     }
 
     Rectangle {
         x: 16
         y: 16
-        width: Math.min(notice.implicitWidth + 24, parent.width - 32)
+        width: Math.min(notice.implicitWidth + 24, area.width - 32)
         height: notice.implicitHeight + 12
         radius: 6
-        visible: area.session.notice !== ""
-        color: area.session.warns ? area.warning : "#dc1f2937"
+        visible: notice.text !== ""
+        color: area.session.warns ? area.session.warning : "#dc1f2937"
 
-        Text {
+        Line {
             id: notice
 
-            anchors.centerIn: parent
-            width: Math.min(implicitWidth, area.width - 56)
+            anchors.verticalCenter: parent.verticalCenter
             elide: Text.ElideMiddle
-            textFormat: Text.PlainText
             color: "white"
             text: area.session.notice
         }

@@ -3,6 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Dialogs
+import QtQuick.Layouts
 import QtQml
 
 // The Qt Quick host's window: the film, the bar below it, and two panels beside it. In full screen
@@ -11,8 +12,6 @@ ApplicationWindow {
     id: window
 
     required property var session
-    required property list<string> fileFilters
-    required property color warning
 
     minimumWidth: 320
     minimumHeight: 200
@@ -39,46 +38,37 @@ ApplicationWindow {
         function onQuitWanted() { window.close(); }
     }
 
-    FilmArea {
-        id: area
+    RowLayout {
+        anchors.fill: parent
+        anchors.bottomMargin: window.session.fullScreen ? 0 : transport.height
+        spacing: 0
 
-        session: window.session
-        warning: window.warning
-        anchors.left: parent.left
-        anchors.top: parent.top
-        anchors.right: list.visible ? list.left : developer.visible ? developer.left : parent.right
-        anchors.bottom: window.session.fullScreen ? parent.bottom : transport.top
-    }
+        FilmArea {
+            id: area
 
-    PlayListPanel {
-        id: list
-
-        session: window.session
-        warning: window.warning
-        visible: window.session.listShown && !window.session.fullScreen
-        width: Math.min(240, window.width * 0.45)
-        anchors.top: parent.top
-        anchors.bottom: transport.top
-        anchors.right: developer.visible ? developer.left : parent.right
-    }
-
-    DeveloperPanel {
-        id: developer
-
-        developer: window.session.developer
-        film: area.film
-        visible: window.session.developerShown && !window.session.fullScreen
-        width: Math.min(300, window.width * 0.45)
-        anchors.top: parent.top
-        anchors.bottom: transport.top
-        anchors.right: parent.right
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            session: window.session
+        }
+        PlayListPanel {
+            Layout.preferredWidth: Math.min(240, window.width * 0.45)
+            Layout.fillHeight: true
+            visible: window.session.listShown && !window.session.fullScreen
+            session: window.session
+        }
+        DeveloperPanel {
+            Layout.preferredWidth: Math.min(300, window.width * 0.45)
+            Layout.fillHeight: true
+            visible: window.session.developerShown && !window.session.fullScreen
+            developer: window.session.developer
+            film: area.film
+        }
     }
 
     TransportBar {
         id: transport
 
         session: window.session
-        warning: window.warning
         visible: !window.session.fullScreen || window.session.controlsShown
         anchors.left: parent.left
         anchors.right: parent.right
@@ -107,9 +97,8 @@ ApplicationWindow {
 
         title: qsTr("Open files")
         fileMode: FileDialog.OpenFiles
-        options: FileDialog.HideNameFilterDetails
         currentFolder: window.session.folder
-        nameFilters: window.fileFilters
+        nameFilters: window.session.fileFilters
         onAccepted: window.session.open(selectedFiles)
     }
 

@@ -8,7 +8,6 @@ Rectangle {
     id: panel
 
     required property var session
-    required property color warning
 
     color: palette.base
 
@@ -41,7 +40,7 @@ Rectangle {
                 elide: Text.ElideMiddle
                 textFormat: Text.PlainText
                 font.bold: entry.current
-                color: entry.current ? palette.highlightedText : entry.problem ? panel.warning : palette.text
+                color: entry.current ? palette.highlightedText : entry.problem ? panel.session.warning : palette.text
             }
             BarButton {
                 anchors.right: parent.right

@@ -1,41 +1,67 @@
 #include "QuickWindow.h"
 
-#include "ImageProvider.h"
-#include "mediaFiles.h"
+#include "Look.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QMetaEnum>
 #include <QtGui/QScreen>
 #include <QtQml/QQmlProperty>
+#include <QtQuick/QQuickImageProvider>
 #include <QtQuick/QQuickWindow>
 
+namespace
+{
+
+/// "image://host/play" is a drawing of look::image(); "image://host/cover/3" the cover, whose
+/// number changes with it.
+class Images : public QQuickImageProvider
+{
+public:
+    explicit Images(const Session &theSession)
+        : QQuickImageProvider(QQuickImageProvider::Image), session(theSession)
+    {
+    }
+
+    QImage requestImage(const QString &id, QSize *size, const QSize &requested) override
+    {
+        QImage image;
+        if (id.startsWith(QLatin1String("cover/")))
+            image = session.cover();
+        if (image.isNull()) // also a cover that is gone already
+            image = look::image(id, requested.isEmpty() ? 96 : requested.height());
+        *size = image.size();
+        return image;
+    }
+
+private:
+    const Session &session;
+};
+
 // The style keeps to colours of its own unless the window names others.
-static void setPalette(QQuickWindow *window)
+void setPalette(QQuickWindow *window)
 {
     const QPalette palette = look::palette();
-    const std::pair<const char *, QPalette::ColorRole> roles[] = {
-        {"window", QPalette::Window}, {"windowText", QPalette::WindowText},
-        {"base", QPalette::Base}, {"text", QPalette::Text},
-        {"alternateBase", QPalette::AlternateBase}, {"button", QPalette::Button},
-        {"buttonText", QPalette::ButtonText}, {"highlight", QPalette::Highlight},
-        {"highlightedText", QPalette::HighlightedText},
-        {"toolTipBase", QPalette::ToolTipBase}, {"toolTipText", QPalette::ToolTipText}};
-    for (const auto &[name, role] : roles)
-        QQmlProperty::write(window, QStringLiteral("palette.") + QLatin1String(name),
-                            palette.color(role));
-    for (const char *name : {"windowText", "text", "buttonText"})
-        QQmlProperty::write(window, QStringLiteral("palette.disabled.") + QLatin1String(name),
-                            palette.color(QPalette::Disabled, QPalette::Text));
+    for (int role = 0; role < QPalette::NoRole; ++role) {
+        QString name = QString::fromLatin1(
+            QMetaEnum::fromType<QPalette::ColorRole>().valueToKey(role));
+        name[0] = name[0].toLower();
+        const auto write = [&](const char *group, QPalette::ColorGroup colours) {
+            QQmlProperty::write(window, QLatin1String(group) + name,
+                                palette.color(colours, QPalette::ColorRole(role)));
+        };
+        write("palette.", QPalette::Active);
+        write("palette.disabled.", QPalette::Disabled);
+    }
 }
+
+} // namespace
 
 QuickWindow::QuickWindow(Session &session)
 {
-    engine.addImageProvider(QStringLiteral("host"), new ImageProvider(session));
+    engine.addImageProvider(QStringLiteral("host"), new Images(session));
     // Where a build has the module MediaPlayer; an installed one is found without.
     engine.addImportPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../qml"));
-    engine.setInitialProperties(
-        {{QStringLiteral("session"), QVariant::fromValue(&session)},
-         {QStringLiteral("fileFilters"), dialogFilters()},
-         {QStringLiteral("warning"), look::warning}});
+    engine.setInitialProperties({{QStringLiteral("session"), QVariant::fromValue(&session)}});
     engine.load(QUrl(QStringLiteral("qrc:/host/Main.qml")));
     window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
     if (!window)

@@ -7,7 +7,6 @@ Pane {
     id: transport
 
     required property var session
-    required property color warning
     readonly property var player: session.player
     readonly property real loudest: 2
 
@@ -28,7 +27,7 @@ Pane {
             Layout.fillWidth: true
             enabled: transport.player.seekable
             value: transport.player.duration > 0 ? transport.player.position / transport.player.duration : 0
-            textAt: part => transport.session.timeAt(part)
+            text: transport.session.timeAt(pointed)
             onMoved: part => transport.session.seekTo(part)
         }
 
@@ -51,10 +50,10 @@ Pane {
                 objectName: "volumeBar"
                 Layout.preferredWidth: 110
                 visible: transport.width >= 520
-                warning: transport.warning
+                warning: transport.session.warning
                 mark: 1 / transport.loudest
                 value: transport.player.volume / transport.loudest
-                textAt: part => qsTr("%1 %").arg(Math.round(part * transport.loudest * 100))
+                text: qsTr("%1 %").arg(Math.round(pointed * transport.loudest * 100))
                 onMoved: part => transport.session.setVolume(part * transport.loudest)
             }
             BarButton { command: transport.session.commands.named("list") }

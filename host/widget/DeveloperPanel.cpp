@@ -1,13 +1,10 @@
 #include "DeveloperPanel.h"
 
 #include <QtWidgets/QCheckBox>
-#include <QtWidgets/QFormLayout>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QListView>
-#include <QtWidgets/QSlider>
 #include <QtWidgets/QTableView>
-
-#include <cmath>
+#include <QtWidgets/QVBoxLayout>
 
 DeveloperPanel::DeveloperPanel(Developer &theDeveloper, MediaPlayer::PlayerWidget &theFilm)
     : developer(theDeveloper), film(theFilm)
@@ -46,44 +43,30 @@ QWidget *DeveloperPanel::makeAnswers()
     return answers;
 }
 
-void DeveloperPanel::makeSwitch(QFormLayout *form, const QString &text, bool on,
+void DeveloperPanel::makeSwitch(QVBoxLayout *column, const QString &text, bool on,
                                 const std::function<void(bool)> &run)
 {
     auto *box = new QCheckBox(text);
     box->setFocusPolicy(Qt::NoFocus);
     box->setChecked(on);
     connect(box, &QCheckBox::toggled, this, run);
-    form->addRow(box);
+    column->addWidget(box);
 }
 
 QWidget *DeveloperPanel::makeSwitches()
 {
     auto *switches = new QWidget;
-    auto *form = new QFormLayout(switches);
-    form->setContentsMargins(0, 0, 0, 0);
-    makeSwitch(form, tr("Show the picture"), true, [this](bool on) { film.setVisible(on); });
-    makeSwitch(form, tr("Hiding it pauses"), false, [this](bool on) {
+    auto *column = new QVBoxLayout(switches);
+    column->setContentsMargins(0, 0, 0, 0);
+    makeSwitch(column, tr("Show the picture"), true, [this](bool on) { film.setVisible(on); });
+    makeSwitch(column, tr("Hiding it pauses"), false, [this](bool on) {
         film.setWhenHidden(on ? MediaPlayer::Player::Pause : MediaPlayer::Player::GoOn);
     });
-    makeSwitch(form, tr("Stretch it"), false, [this](bool on) {
+    makeSwitch(column, tr("Stretch it"), false, [this](bool on) {
         film.setAspectRatioMode(on ? Qt::IgnoreAspectRatio : Qt::KeepAspectRatio);
     });
-    makeSwitch(form, tr("Trace on standard output"), developer.isTracing(),
+    makeSwitch(column, tr("Trace on standard output"), developer.isTracing(),
                [this](bool on) { developer.setTracing(on); });
-
-    const auto makeSlider = [this, form](const QString &text, int most, int value,
-                                         const std::function<void(int)> &run) {
-        auto *slider = new QSlider(Qt::Horizontal);
-        slider->setFocusPolicy(Qt::NoFocus);
-        slider->setRange(0, most);
-        slider->setValue(value);
-        connect(slider, &QSlider::valueChanged, this, run);
-        form->addRow(text, slider);
-    };
-    makeSlider(tr("Opacity"), 100, int(std::lround(developer.opacity() * 100)),
-               [this](int percent) { developer.setOpacity(percent / 100.0); });
-    makeSlider(tr("Angle"), 360, developer.angle(),
-               [this](int degrees) { developer.setAngle(degrees); });
     return switches;
 }
 

@@ -21,7 +21,7 @@ private:
     QWidget *makeRecord();
     QWidget *makeAnswers();
     QWidget *makeSwitches();
-    void makeSwitch(class QFormLayout *form, const QString &text, bool on,
+    void makeSwitch(class QVBoxLayout *column, const QString &text, bool on,
                     const std::function<void(bool)> &run);
 
     Developer &developer;

@@ -4,7 +4,6 @@
 #include "DeveloperPanel.h"
 #include "FilmArea.h"
 #include "TransportBar.h"
-#include "mediaFiles.h"
 
 #include <QtCore/QMimeData>
 #include <QtGui/QContextMenuEvent>
@@ -142,7 +141,7 @@ void MainWindow::dropEvent(QDropEvent *event)
 void MainWindow::chooseFiles()
 {
     const QList<QUrl> files = QFileDialog::getOpenFileUrls(
-        this, tr("Open files"), session.folder(), dialogFilters().join(QStringLiteral(";;")),
+        this, tr("Open files"), session.folder(), session.fileFilters().join(QStringLiteral(";;")),
         nullptr, QFileDialog::HideNameFilterDetails);
     if (!files.isEmpty())
         session.open(files);

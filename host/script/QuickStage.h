@@ -1,7 +1,7 @@
 #ifndef QUICKSTAGE_H
 #define QUICKSTAGE_H
 
-#include "script/Stage.h"
+#include "Stage.h"
 
 #include <QtQuick/QQuickWindow>
 

@@ -1,7 +1,7 @@
 #ifndef WIDGETSTAGE_H
 #define WIDGETSTAGE_H
 
-#include "script/Stage.h"
+#include "Stage.h"
 
 #include <QtWidgets/QWidget>
 
