@@ -102,6 +102,9 @@ QList<QUrl> mediaAt(const QList<QUrl> &opened)
 
 QUrl urlOf(const QString &typed)
 {
+    const QFileInfo file(typed); // with every character that a name may have
+    if (file.exists())
+        return QUrl::fromLocalFile(file.absoluteFilePath());
     return QUrl::fromUserInput(typed, QDir::currentPath(), QUrl::AssumeLocalFile);
 }
 

@@ -41,7 +41,7 @@ private:
 void setPalette(QQuickWindow *window)
 {
     const QPalette palette = look::palette();
-    for (int role = 0; role < QPalette::NoRole; ++role) {
+    for (int role = 0; role < QPalette::NColorRoles; ++role) {
         QString name = QString::fromLatin1(
             QMetaEnum::fromType<QPalette::ColorRole>().valueToKey(role));
         name[0] = name[0].toLower();

@@ -162,6 +162,7 @@ void MainWindow::askForAddress()
 
 QImage MainWindow::picture()
 {
+    repaint();
     const QPixmap fromScreen = screen()->grabWindow(winId());
     return (fromScreen.isNull() ? grab() : fromScreen).toImage();
 }
