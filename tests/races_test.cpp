@@ -232,7 +232,11 @@ private Q_SLOTS:
             m_host->record.error = 0;
             const auto before = generationOf(view());
             std::thread listener([&] {
-                if (!blockUntil([&] { return generationOf(view()) != before; }))
+                // In NULL the bus takes nothing.
+                if (!blockUntil([&] {
+                        return generationOf(view()) != before
+                            && recordedState(pipeline()).current > GST_STATE_NULL;
+                    }))
                     return;
                 postError(pipeline());
                 blockUntil([&] {
