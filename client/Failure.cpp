@@ -16,7 +16,7 @@ Failure failureOf(const QString &path)
     if (!file.exists()) {
         // Whoever may not enter a folder is told that nothing is in it.
         const QFileInfo folder(file.absolutePath());
-        if (folder.isDir() && !folder.isExecutable())
+        if (folder.isNativePath() && folder.isDir() && !folder.isExecutable())
             return {Player::AccessDeniedError,
                     Player::tr("You have no permission to open the folder “%1”.")
                         .arg(folder.filePath())};

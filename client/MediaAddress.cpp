@@ -67,7 +67,7 @@ void MediaAddress::resolve(const QUrl &given, Receiver receiver)
     if (source.isRelative())
         source = QUrl::fromLocalFile(QDir::current().absoluteFilePath(source.path()));
     if (source.scheme() == QLatin1String("qrc"))
-        return receiver(copyResource(source));
+        return receiver(resolveFile(u':' + source.path()));
     if (source.isLocalFile())
         return receiver(resolveFile(source.toLocalFile()));
 
@@ -91,53 +91,35 @@ MediaAddress::Resolved MediaAddress::resolveFile(const QString &path)
         return {.uri = {}, .failure = failure};
     const QByteArray uri = uriOfPath(path);
     if (isVideoName(uri) || isAudioName(uri)) {
-        if (uri.size() <= roomForUri)
+        if (uri.size() <= roomForUri && !path.startsWith(u':'))
             return {.uri = uri, .isVideo = isVideoName(uri), .failure = {}};
-        return link(path, QFileInfo(path).suffix().toLower());
+        return provide(path, QFileInfo(path).suffix().toLower());
     }
     const QString suffix = suffixOfContent(path);
     if (suffix.isEmpty())
         return refused(Player::FormatError,
                        Player::tr("“%1” is neither a film nor a sound: it is a %2.")
                            .arg(QFileInfo(path).fileName(), commentOf(path)));
-    return link(path, suffix);
+    return provide(path, suffix);
 }
 
-MediaAddress::Resolved MediaAddress::link(const QString &path, const QString &suffix)
+// A copy of what GStreamer cannot open, as the resources of a program; else a link.
+MediaAddress::Resolved MediaAddress::provide(const QString &path, const QString &suffix)
 {
-    if (const auto known = m_links.constFind(path); known != m_links.cend())
+    if (const auto known = m_provided.constFind(path); known != m_provided.cend())
         return *known;
     if (!m_folder)
         m_folder = makePrivateFolder();
     if (!m_folder)
         return refused(Player::ResourceError,
                        Player::tr("No folder for temporary files can be written."));
-    const QString name = m_folder->filePath(QString::number(m_links.size()) + u'.' + suffix);
-    if (!QFile::link(path, name))
+    const QString name = m_folder->filePath(QString::number(m_provided.size()) + u'.' + suffix);
+    const bool isResource = path.startsWith(u':');
+    if (!(isResource ? QFile::copy(path, name) : QFile::link(path, name)))
         return refused(Player::ResourceError,
                        Player::tr("“%1” cannot be written.").arg(m_folder->path()));
     const QByteArray uri = uriOfPath(name);
-    return *m_links.insert(path, {.uri = uri, .isVideo = isVideoName(uri), .failure = {}});
-}
-
-// GStreamer knows nothing of resources.
-MediaAddress::Resolved MediaAddress::copyResource(const QUrl &source)
-{
-    const QString resource = u':' + source.path();
-    if (const Failure failure = failureOf(resource))
-        return {.uri = {}, .failure = failure};
-    const QString suffix = suffixOfName(source.toEncoded());
-    if (m_links.contains(resource))
-        return m_links.value(resource);
-    const Resolved target = link(resource, suffix.isEmpty() ? QStringLiteral("mkv") : suffix);
-    if (target.failure)
-        return target;
-    const QString file = QUrl::fromEncoded(target.uri).toLocalFile();
-    if (!QFile::remove(file) || !QFile::copy(resource, file)) {
-        m_links.remove(resource);
-        return refused(Player::ResourceError, Player::tr("“%1” cannot be written.").arg(file));
-    }
-    return target;
+    return *m_provided.insert(path, {.uri = uri, .isVideo = isVideoName(uri), .failure = {}});
 }
 
 // The plug-in looks at the end of the address, and a server never sees the fragment.

@@ -52,12 +52,11 @@ public:
 
 private:
     Resolved resolveFile(const QString &path);
-    Resolved copyResource(const QUrl &source);
-    Resolved link(const QString &path, const QString &suffix);
+    Resolved provide(const QString &path, const QString &suffix);
     Resolved resolveRemote(const QUrl &source, const QString &suffix);
     QNetworkReply *head(const QUrl &source);
 
-    QHash<QString, Resolved> m_links; ///< by path
+    QHash<QString, Resolved> m_provided; ///< what lies in the private folder, by path
     QHash<QString, QByteArray> m_redirects; ///< by address
     std::unique_ptr<QTemporaryDir> m_folder; ///< made when it is needed
     QNetworkAccessManager m_network;

@@ -40,7 +40,7 @@ public:
     }
     QUrl url(const QString &rest) const
     {
-        return QStringLiteral("http://127.0.0.1:%1/").arg(port) + rest;
+        return QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(port) + rest);
     }
 
 private:
