@@ -11,6 +11,7 @@ void Command::setDrawing(const QString &name)
 {
     theDrawing = name;
     setIcon(look::icon(name));
+    setIconVisibleInMenu(false); // the place is for check marks
 }
 
 QStringList Command::keys() const

@@ -24,7 +24,7 @@ QPalette palette()
     p.setColor(QPalette::Highlight, accent);
     p.setColor(QPalette::HighlightedText, Qt::white);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        p.setColor(QPalette::Disabled, role, QColor(0xa0, 0xa7, 0xb3));
+        p.setColor(QPalette::Disabled, role, disabled);
     return p;
 }
 
@@ -103,8 +103,10 @@ QImage image(const QString &name, int pixels, const QColor &colour)
 QIcon icon(const QString &name)
 {
     QIcon result;
-    for (const int pixels : {20, 24, 30, 36, 40, 60})
+    for (const int pixels : {20, 24, 30, 36, 40, 60}) {
         result.addPixmap(QPixmap::fromImage(image(name, pixels)));
+        result.addPixmap(QPixmap::fromImage(image(name, pixels, disabled)), QIcon::Disabled);
+    }
     return result;
 }
 

@@ -17,7 +17,7 @@ ToolButton {
     icon.source: "image://host/" + drawing
     icon.width: 20
     icon.height: 20
-    icon.color: enabled ? "#333d4d" : "#b4bac4"
+    icon.color: palette.buttonText
     ToolTip.text: command?.label ?? text
     ToolTip.visible: hovered
     ToolTip.delay: 700

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Controls
 import MediaPlayer
 
 // The picture, and over it what there is to tell: a hint, a failure, a wait, a notice, or what a
@@ -23,6 +24,7 @@ Rectangle {
 
         anchors.fill: parent
         player: area.session.player
+        opacity: player.error === Player.NoError ? 1 : 0 // the failure is told here
     }
 
     Image {
@@ -58,27 +60,22 @@ Rectangle {
         }
     }
 
-    Rectangle {
+    Label {
         x: 16
         y: 16
-        width: Math.min(notice.implicitWidth + 24, area.width - 32)
-        height: notice.implicitHeight + 12
-        radius: 6
-        visible: notice.text !== ""
-        color: area.session.warns ? area.session.warning : "#dc1f2937"
-
-        Line {
-            id: notice
-
-            anchors.verticalCenter: parent.verticalCenter
-            elide: Text.ElideMiddle
-            color: "white"
-            text: area.session.notice
-        }
+        width: Math.min(implicitWidth, area.width - 32)
+        padding: 8
+        visible: text !== ""
+        elide: Text.ElideMiddle
+        textFormat: Text.PlainText
+        color: "white"
+        text: area.session.notice
+        background: Rectangle { radius: 6; color: area.session.warns ? area.session.warning : "#dc1f2937" }
     }
 
     MouseArea {
         anchors.fill: parent
+        hoverEnabled: true // so that no movement reaches what is below
         cursorShape: area.session.controlsShown ? Qt.ArrowCursor : Qt.BlankCursor
         onDoubleClicked: area.session.fullScreen = !area.session.fullScreen
         onWheel: wheel => area.session.changeVolume(wheel.angleDelta.y > 0 ? 1 : -1)

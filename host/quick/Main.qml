@@ -70,8 +70,7 @@ ApplicationWindow {
 
         session: window.session
         visible: !window.session.fullScreen || window.session.controlsShown
-        anchors.left: parent.left
-        anchors.right: parent.right
+        width: parent.width
         anchors.bottom: parent.bottom
         onMenuWanted: menu.popup()
     }

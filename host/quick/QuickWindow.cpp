@@ -45,12 +45,10 @@ void setPalette(QQuickWindow *window)
         QString name = QString::fromLatin1(
             QMetaEnum::fromType<QPalette::ColorRole>().valueToKey(role));
         name[0] = name[0].toLower();
-        const auto write = [&](const char *group, QPalette::ColorGroup colours) {
-            QQmlProperty::write(window, QLatin1String(group) + name,
-                                palette.color(colours, QPalette::ColorRole(role)));
-        };
-        write("palette.", QPalette::Active);
-        write("palette.disabled.", QPalette::Disabled);
+        QQmlProperty::write(window, QStringLiteral("palette.") + name,
+                            palette.color(QPalette::ColorRole(role)));
+        QQmlProperty::write(window, QStringLiteral("palette.disabled.") + name,
+                            palette.color(QPalette::Disabled, QPalette::ColorRole(role)));
     }
 }
 

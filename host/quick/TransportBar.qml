@@ -48,8 +48,8 @@ Pane {
             BarButton { command: transport.session.commands.named("mute") }
             Bar {
                 objectName: "volumeBar"
-                Layout.preferredWidth: 110
-                visible: transport.width >= 520
+                Layout.preferredWidth: transport.width < 520 ? 0 : 110 // what is hidden loses its place
+                clip: true
                 warning: transport.session.warning
                 mark: 1 / transport.loudest
                 value: transport.player.volume / transport.loudest

@@ -31,6 +31,8 @@ protected:
     {
         QPainter painter(this);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        if (session.player()->error() != MediaPlayer::Player::NoError)
+            painter.fillRect(rect(), Qt::black); // the failure is told here
         if (!session.headline().isEmpty())
             drawLines(painter, rect(), session.headline(), session.details());
         else if (session.isSoundOnly())

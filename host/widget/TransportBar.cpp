@@ -27,7 +27,7 @@ TransportBar::TransportBar(Session &theSession, std::function<void(QPoint)> theS
     setAutoFillBackground(true);
     seekBar->setObjectName(QStringLiteral("seekBar"));
     volumeBar->setObjectName(QStringLiteral("volumeBar"));
-    volumeBar->setMaximumWidth(110);
+    volumeBar->setFixedWidth(110);
     title->setMinimumWidth(0);
     title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     title->setTextFormat(Qt::PlainText);
