@@ -74,13 +74,18 @@ void Commands::addOpening()
 
 void Commands::addPlaying()
 {
-    add(QStringLiteral("play"), tr("&Play"), {Qt::Key_Space, Qt::Key_K, Qt::Key_MediaTogglePlayPause},
+    add(
+        QStringLiteral("play"), tr("&Play"),
+        {Qt::Key_Space, Qt::Key_K, Qt::Key_MediaTogglePlayPause},
         [this] { session.togglePlaying(); }, QStringLiteral("play"));
-    add(QStringLiteral("stop"), tr("&Stop"), {Qt::Key_S, Qt::Key_MediaStop},
+    add(
+        QStringLiteral("stop"), tr("&Stop"), {Qt::Key_S, Qt::Key_MediaStop},
         [this] { session.player()->stop(); }, QStringLiteral("stop"));
-    add(QStringLiteral("previous"), tr("P&revious"), {Qt::Key_P, Qt::Key_MediaPrevious},
+    add(
+        QStringLiteral("previous"), tr("P&revious"), {Qt::Key_P, Qt::Key_MediaPrevious},
         [this] { session.previous(); }, QStringLiteral("previous"));
-    add(QStringLiteral("next"), tr("&Next"), {Qt::Key_N, Qt::Key_MediaNext},
+    add(
+        QStringLiteral("next"), tr("&Next"), {Qt::Key_N, Qt::Key_MediaNext},
         [this] { session.next(); }, QStringLiteral("next"));
     addLine();
     add(QStringLiteral("back"), tr("&Back 5 seconds"), {Qt::Key_Left},
@@ -93,25 +98,28 @@ void Commands::addPlaying()
     add(QStringLiteral("louder"), tr("L&ouder"), {Qt::Key_Up}, [this] { session.changeVolume(1); });
     add(QStringLiteral("softer"), tr("Sof&ter"), {Qt::Key_Down},
         [this] { session.changeVolume(-1); });
-    add(QStringLiteral("mute"), tr("&Mute"), {Qt::Key_M}, [this] { session.toggleMuted(); },
+    add(
+        QStringLiteral("mute"), tr("&Mute"), {Qt::Key_M}, [this] { session.toggleMuted(); },
         QStringLiteral("volume"))
         ->setCheckable(true);
 }
 
 void Commands::addShowing()
 {
-    add(QStringLiteral("fullscreen"), tr("&Full screen"), {Qt::Key_F, Qt::Key_F11},
+    add(
+        QStringLiteral("fullscreen"), tr("&Full screen"), {Qt::Key_F, Qt::Key_F11},
         [this] { session.setFullScreen(!session.isFullScreen()); }, QStringLiteral("fullscreen"))
         ->setCheckable(true);
-    add(QStringLiteral("list"), tr("Play &list"), {Qt::Key_L},
+    add(
+        QStringLiteral("list"), tr("Play &list"), {Qt::Key_L},
         [this] { session.setListShown(!session.isListShown()); }, QStringLiteral("list"))
         ->setCheckable(true);
-    add(QStringLiteral("developer"), tr("&Developer's panel"), {Qt::Key_F12},
-        [this] { session.setDeveloperShown(!session.isDeveloperShown()); })
-        ->setCheckable(true);
-    add(QStringLiteral("leave"), tr("Leave full screen"), {QKeySequence::Cancel},
-        [this] { session.setFullScreen(false); })
-        ->listed = false;
+    add(QStringLiteral("developer"), tr("&Developer's panel"), {Qt::Key_F12}, [this] {
+        session.setDeveloperShown(!session.isDeveloperShown());
+    })->setCheckable(true);
+    add(QStringLiteral("leave"), tr("Leave full screen"), {QKeySequence::Cancel}, [this] {
+        session.setFullScreen(false);
+    })->listed = false;
 }
 
 // Clicking a command turns its mark; what it stands for has the last word.

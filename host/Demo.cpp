@@ -18,12 +18,9 @@ Demo::Demo(Session &theSession, std::function<void()> picture)
 const QList<Demo::Step> &Demo::steps()
 {
     static const QList<Step> all = {
-        {"loaded", &Demo::isLoaded, &Demo::play},
-        {"playing", &Demo::plays, &Demo::wait},
-        {"middle", &Demo::isInMiddle, &Demo::pause},
-        {"paused", &Demo::isPaused, &Demo::goBack},
-        {"back at 25%", &Demo::isBack, &Demo::play},
-        {"playing on", &Demo::playsOn, &Demo::wait},
+        {"loaded", &Demo::isLoaded, &Demo::play},    {"playing", &Demo::plays, &Demo::wait},
+        {"middle", &Demo::isInMiddle, &Demo::pause}, {"paused", &Demo::isPaused, &Demo::goBack},
+        {"back at 25%", &Demo::isBack, &Demo::play}, {"playing on", &Demo::playsOn, &Demo::wait},
         {"at the end", &Demo::isAtEnd, &Demo::wait},
     };
     return all;

@@ -14,8 +14,7 @@ Developer::Developer(Player &thePlayer) : player(thePlayer), theRecord(thePlayer
     connect(&looks, &QTimer::timeout, &theRecord, &RecordModel::refresh);
     connect(&player, &Player::commandAnswered, this, [this](int command, bool done, bool error) {
         QStringList answers = theAnswers.stringList().mid(0, answersKept - 1);
-        answers.prepend(
-            tr("%1: done %2, error %3").arg(commandName(command)).arg(done).arg(error));
+        answers.prepend(tr("%1: done %2, error %3").arg(commandName(command)).arg(done).arg(error));
         theAnswers.setStringList(answers);
     });
 }

@@ -79,8 +79,7 @@ int HostProgram::run(const MakeStage &makeStage, const MakeWindow &makeWindow)
     writeSwitch(plugin.enableDebug, parser.isSet(QStringLiteral("trace")));
 
     if (parser.isSet(QStringLiteral("script")))
-        return runScript(parser.value(QStringLiteral("script")),
-                         [&] { return makeStage(plugin); });
+        return runScript(parser.value(QStringLiteral("script")), [&] { return makeStage(plugin); });
     QList<QUrl> media;
     for (const QString &name : parser.positionalArguments())
         media.append(urlOf(name));

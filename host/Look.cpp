@@ -43,8 +43,7 @@ const QHash<QString, Drawing> &drawings()
 {
     static const QHash<QString, Drawing> all = {
         {QStringLiteral("play"), {"M8 5 L19 12 L8 19 Z", ""}},
-        {QStringLiteral("pause"),
-         {"M7 5 L10 5 L10 19 L7 19 Z M14 5 L17 5 L17 19 L14 19 Z", ""}},
+        {QStringLiteral("pause"), {"M7 5 L10 5 L10 19 L7 19 Z M14 5 L17 5 L17 19 L14 19 Z", ""}},
         {QStringLiteral("stop"), {"M7 7 L17 7 L17 17 L7 17 Z", ""}},
         {QStringLiteral("previous"), {"M18 6 L9 12 L18 18 Z", "M6 6 L6 18"}},
         {QStringLiteral("next"), {"M6 6 L15 12 L6 18 Z", "M18 6 L18 18"}},
@@ -55,9 +54,10 @@ const QHash<QString, Drawing> &drawings()
          {"", "M4 9 L4 4 L9 4 M15 4 L20 4 L20 9 M20 15 L20 20 L15 20 M9 20 L4 20 L4 15"}},
         {QStringLiteral("window"),
          {"", "M9 4 L9 9 L4 9 M15 4 L15 9 L20 9 M20 15 L15 15 L15 20 M9 20 L9 15 L4 15"}},
-        {QStringLiteral("menu"), {"M11.5 5 L12.5 5 L12.5 6 L11.5 6 Z M11.5 11.5 L12.5 11.5 L12.5 "
-                                  "12.5 L11.5 12.5 Z M11.5 18 L12.5 18 L12.5 19 L11.5 19 Z",
-                                  ""}},
+        {QStringLiteral("menu"),
+         {"M11.5 5 L12.5 5 L12.5 6 L11.5 6 Z M11.5 11.5 L12.5 11.5 L12.5 "
+          "12.5 L11.5 12.5 Z M11.5 18 L12.5 18 L12.5 19 L11.5 19 Z",
+          ""}},
         {QStringLiteral("note"),
          {"M6 16 L9 16 L9 19 L6 19 Z M15 14 L18 14 L18 17 L15 17 Z", "M9 18 L9 6 L18 4 L18 16"}},
     };

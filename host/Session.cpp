@@ -16,6 +16,7 @@ using MediaPlayer::Player;
 constexpr auto noticeTime = 5s;
 constexpr auto slowTime = 700ms;
 constexpr double volumeStep = 0.05;
+constexpr double loudest = 2; // 200 %
 
 Session::Session() : theDeveloper(thePlayer), theCommands(std::make_unique<Commands>(*this))
 {
@@ -49,6 +50,7 @@ void Session::followPlayer()
     connect(&thePlayer, &Player::errorOccurred, this, &Session::failed);
     connect(&thePlayer, &Player::volumeChanged, &thePlayer,
             [this](double volume) { theMemory.setVolume(volume); });
+    connect(&thePlayer, &Player::volumeChanged, this, &Session::volumeChanged);
     connect(&thePlayer, &Player::mutedChanged, &thePlayer,
             [this](bool muted) { theMemory.setMuted(muted); });
 }
@@ -159,11 +161,17 @@ QString Session::artist() const
 {
     const QVariantMap data = thePlayer.metaData();
     for (const char *key : {"contributingArtist", "albumArtist", "author"}) {
-        const QString name = data.value(QLatin1String(key)).toStringList().join(QStringLiteral(", "));
+        const QString name =
+            data.value(QLatin1String(key)).toStringList().join(QStringLiteral(", "));
         if (!name.isEmpty())
             return name;
     }
     return {};
+}
+
+QString Session::caption() const
+{
+    return artist().isEmpty() ? title() : tr("%1 - %2").arg(artist(), title());
 }
 
 QString Session::headline() const
@@ -219,6 +227,27 @@ QString Session::timeAt(double part) const
     return clockText(qint64(double(thePlayer.duration()) * part));
 }
 
+double Session::place() const
+{
+    const auto duration = double(thePlayer.duration());
+    return duration > 0 ? double(thePlayer.position()) / duration : 0;
+}
+
+double Session::volume() const
+{
+    return thePlayer.volume() / loudest;
+}
+
+double Session::fullVolume() const
+{
+    return 1 / loudest;
+}
+
+QString Session::volumeAt(double part) const
+{
+    return tr("%1 %").arg(std::lround(part * loudest * 100));
+}
+
 void Session::togglePlaying()
 {
     if (thePlayer.isPlaying())
@@ -239,14 +268,15 @@ void Session::seekBy(qint64 milliseconds)
 
 void Session::changeVolume(int steps)
 {
-    setVolume(thePlayer.volume() + steps * volumeStep);
+    setVolume((thePlayer.volume() + steps * volumeStep) / loudest);
 }
 
-void Session::setVolume(double volume)
+void Session::setVolume(double part)
 {
+    const double wanted = std::round(part * loudest / volumeStep) * volumeStep;
     thePlayer.setMuted(false);
-    thePlayer.setVolume(std::clamp(std::round(volume / volumeStep) * volumeStep, 0.0, loudest));
-    tell(tr("Volume %1 %").arg(std::lround(thePlayer.volume() * 100)), thePlayer.volume() > 1);
+    thePlayer.setVolume(std::clamp(wanted, 0.0, loudest));
+    tell(tr("Volume %1").arg(volumeAt(volume())), thePlayer.volume() > 1);
 }
 
 void Session::toggleMuted()

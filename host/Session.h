@@ -36,9 +36,13 @@ class Session : public QObject
     // What plays.
     Q_PROPERTY(QString title READ title NOTIFY mediaChanged)
     Q_PROPERTY(QString artist READ artist NOTIFY mediaChanged)
+    Q_PROPERTY(QString caption READ caption NOTIFY mediaChanged)
     Q_PROPERTY(bool soundOnly READ isSoundOnly NOTIFY mediaChanged)
     Q_PROPERTY(int coverSerial READ coverSerial NOTIFY mediaChanged)
     Q_PROPERTY(QString times READ times NOTIFY timesChanged)
+    Q_PROPERTY(double place READ place NOTIFY timesChanged)
+    Q_PROPERTY(double volume READ volume NOTIFY volumeChanged)
+    Q_PROPERTY(double fullVolume READ fullVolume CONSTANT)
 
     // What is told: big and to stay, or for a while.
     Q_PROPERTY(QString headline READ headline NOTIFY told)
@@ -50,11 +54,10 @@ class Session : public QObject
     Q_PROPERTY(bool fullScreen READ isFullScreen WRITE setFullScreen NOTIFY shownChanged)
     Q_PROPERTY(bool controlsShown READ areControlsShown NOTIFY shownChanged)
     Q_PROPERTY(bool listShown READ isListShown WRITE setListShown NOTIFY shownChanged)
-    Q_PROPERTY(bool developerShown READ isDeveloperShown WRITE setDeveloperShown NOTIFY shownChanged)
+    Q_PROPERTY(
+        bool developerShown READ isDeveloperShown WRITE setDeveloperShown NOTIFY shownChanged)
 
 public:
-    static constexpr double loudest = 2; ///< 200 %
-
     Session();
     ~Session() override;
 
@@ -71,11 +74,16 @@ public:
 
     QString title() const { return theList.title(theList.current()); }
     QString artist() const;
+    QString caption() const; ///< of both what is known
     bool isSoundOnly() const;
     QImage cover() const { return theCover; }
     int coverSerial() const { return theCover.isNull() ? 0 : serial; } ///< 0: there is none
     QString times() const;
-    Q_INVOKABLE QString timeAt(double part) const; ///< 0 to 1 of the duration, as on a clock
+    double place() const; ///< 0 to 1 of the duration
+    Q_INVOKABLE QString timeAt(double part) const; ///< as on a clock
+    double volume() const; ///< 0 to 1 of the loudest
+    double fullVolume() const; ///< above it, sound is made louder than it is
+    Q_INVOKABLE QString volumeAt(double part) const; ///< in percent of the full volume
 
     QString headline() const;
     QString details() const;
@@ -103,9 +111,9 @@ public:
     Q_INVOKABLE void playRow(int row);
     Q_INVOKABLE void removeRow(int row);
     Q_INVOKABLE void togglePlaying();
-    Q_INVOKABLE void seekTo(double part); ///< 0 to 1 of the duration
+    Q_INVOKABLE void seekTo(double part);
     Q_INVOKABLE void changeVolume(int steps);
-    Q_INVOKABLE void setVolume(double volume); ///< 0 to `loudest`
+    Q_INVOKABLE void setVolume(double part);
     void toggleMuted();
     void seekBy(qint64 milliseconds);
     void next() { playRow(theList.current() + 1); }
@@ -114,6 +122,7 @@ public:
 Q_SIGNALS:
     void mediaChanged();
     void timesChanged();
+    void volumeChanged();
     void told();
     void shownChanged();
     void recentChanged();

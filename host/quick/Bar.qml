@@ -30,7 +30,6 @@ Item {
 
     implicitHeight: 20
     opacity: enabled ? 1 : 0.5
-    implicitWidth: 80
 
     Stretch { color: "#d5dae3" }
     Stretch { color: palette.highlight; to: Math.min(bar.shown, bar.mark) }
@@ -38,8 +37,8 @@ Item {
     Rectangle {
         x: 8 + bar.shown * (bar.width - 16) - width / 2
         width: 13
-        height: 13
-        radius: 6.5
+        height: width
+        radius: width / 2
         anchors.verticalCenter: parent.verticalCenter
         color: bar.shown > bar.mark ? bar.warning : palette.highlight
     }

@@ -5,19 +5,17 @@ import QtQuick.Controls
 ToolButton {
     id: button
 
-    property var command: null
+    property string name
+    readonly property var window: ApplicationWindow.window
+    readonly property var command: name ? window.session.commands.named(name) : null
     property string drawing: command?.drawing ?? ""
 
     implicitWidth: 32
     implicitHeight: 32
-    flat: true
     focusPolicy: Qt.NoFocus // the keys belong to the commands
     enabled: command?.enabled ?? true
     checked: command?.checked ?? false
-    icon.source: "image://host/" + drawing
-    icon.width: 20
-    icon.height: 20
-    icon.color: palette.buttonText
+    icon { source: "image://host/" + drawing; width: 20; height: 20; color: palette.buttonText }
     ToolTip.text: command?.label ?? text
     ToolTip.visible: hovered
     ToolTip.delay: 700

@@ -12,9 +12,7 @@ Pane {
     required property var developer
     required property Video film
 
-    component Switch: CheckBox {
-        focusPolicy: Qt.NoFocus
-    }
+    component Switch: CheckBox { focusPolicy: Qt.NoFocus }
 
     component Cell: Label {
         height: 20

@@ -81,15 +81,8 @@ ApplicationWindow {
         session: window.session
     }
 
-    TapHandler {
-        acceptedButtons: Qt.RightButton
-        onTapped: menu.popup()
-    }
-
-    DropArea {
-        anchors.fill: parent
-        onDropped: drop => window.session.open(drop.urls)
-    }
+    TapHandler { acceptedButtons: Qt.RightButton; onTapped: menu.popup() }
+    DropArea { anchors.fill: parent; onDropped: drop => window.session.open(drop.urls) }
 
     FileDialog {
         id: fileDialog

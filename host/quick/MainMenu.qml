@@ -23,29 +23,25 @@ Menu {
             enabled: modelData?.enabled ?? false
             checkable: modelData?.checkable ?? false
             checked: modelData?.checked ?? false
-            height: modelData ? implicitHeight : 7
+            height: modelData ? 22 : 7
             rightPadding: hint.width + 24
             onTriggered: modelData.trigger()
 
             Label {
                 id: hint
 
-                anchors.right: parent.right
-                anchors.rightMargin: 8
-                anchors.verticalCenter: parent.verticalCenter
+                anchors { right: parent.right; rightMargin: 8; verticalCenter: parent.verticalCenter }
                 text: item.modelData?.hint ?? ""
                 opacity: 0.6
             }
             Rectangle {
-                anchors.centerIn: parent
-                width: parent.width - 8
-                height: 1
-                visible: !item.modelData
+                anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter; margins: 4 }
+                height: item.modelData ? 0 : 1
                 color: palette.mid
             }
         }
-        onObjectAdded: (index, object) => menu.insertItem(index, object)
-        onObjectRemoved: (index, object) => menu.removeItem(object)
+        // What is opened again comes before the last, which ends the program.
+        onObjectAdded: (index, object) => object.modelData?.objectName === "quit" ? menu.addItem(object) : menu.insertItem(index, object)
     }
 
     Menu {

@@ -14,7 +14,8 @@ class Bar : public QWidget
     Q_OBJECT
 
 public:
-    /// `textAt` says what a part of the bar, 0 to 1, stands for. What is beyond `mark` is warned of.
+    /// `textAt` says what a part of the bar, 0 to 1, stands for. What is beyond `mark` is warned
+    /// of.
     explicit Bar(std::function<QString(double)> textAt, double mark = 1);
 
     void setValue(double part); ///< 0 to 1; while it is held down, the pointer has the last word

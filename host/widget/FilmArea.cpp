@@ -42,7 +42,8 @@ protected:
     }
 
 private:
-    void drawLines(QPainter &painter, const QRect &place, const QString &large, const QString &small)
+    void drawLines(QPainter &painter, const QRect &place, const QString &large,
+                   const QString &small)
     {
         const QRect inside = place.adjusted(space, 0, -space, 0);
         QFont font = painter.font();
@@ -53,9 +54,9 @@ private:
         painter.save();
         painter.setFont(font);
         painter.setPen(Qt::white);
-        painter.drawText(QRect(inside.left(), middle - metrics.height(), inside.width(),
-                               metrics.height()),
-                         Qt::AlignCenter, first);
+        painter.drawText(
+            QRect(inside.left(), middle - metrics.height(), inside.width(), metrics.height()),
+            Qt::AlignCenter, first);
         painter.restore();
         painter.setPen(look::track);
         painter.drawText(QRect(inside.left(), middle + 6, inside.width(), inside.bottom() - middle),

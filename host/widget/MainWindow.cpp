@@ -149,7 +149,7 @@ void MainWindow::chooseFiles()
 
 void MainWindow::chooseFolder()
 {
-    const QUrl folder = 
+    const QUrl folder =
         QFileDialog::getExistingDirectoryUrl(this, tr("Open folder"), session.folder());
     if (!folder.isEmpty())
         session.open({folder});

@@ -8,19 +8,12 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QToolButton>
 
-#include <cmath>
-
-using MediaPlayer::Player;
-
 TransportBar::TransportBar(Session &theSession, std::function<void(QPoint)> theShowMenu)
     : session(theSession)
     , showMenu(std::move(theShowMenu))
     , seekBar(new Bar([this](double part) { return session.timeAt(part); }))
-    , volumeBar(new Bar(
-          [](double part) {
-              return tr("%1 %").arg(std::lround(part * Session::loudest * 100));
-          },
-          1 / Session::loudest))
+    , volumeBar(
+          new Bar([this](double part) { return session.volumeAt(part); }, session.fullVolume()))
     , times(new QLabel)
     , title(new QLabel)
 {
@@ -51,11 +44,10 @@ TransportBar::TransportBar(Session &theSession, std::function<void(QPoint)> theS
     row->addWidget(makeMenuButton());
 
     connect(seekBar, &Bar::moved, &session, &Session::seekTo);
-    connect(volumeBar, &Bar::moved, this,
-            [this](double part) { session.setVolume(part * Session::loudest); });
+    connect(volumeBar, &Bar::moved, &session, &Session::setVolume);
     connect(&session, &Session::timesChanged, this, &TransportBar::showTimes);
     connect(&session, &Session::mediaChanged, this, &TransportBar::showTitle);
-    connect(session.player(), &Player::volumeChanged, this, &TransportBar::showVolume);
+    connect(&session, &Session::volumeChanged, this, &TransportBar::showVolume);
     showTimes();
     showVolume();
 }
@@ -89,25 +81,21 @@ QWidget *TransportBar::makeMenuButton()
 
 void TransportBar::showTimes()
 {
-    Player *player = session.player();
     times->setText(session.times());
-    seekBar->setEnabled(player->isSeekable());
-    const auto duration = double(player->duration());
-    seekBar->setValue(duration > 0 ? double(player->position()) / duration : 0);
+    seekBar->setEnabled(session.player()->isSeekable());
+    seekBar->setValue(session.place());
 }
 
 void TransportBar::showVolume()
 {
-    volumeBar->setValue(session.player()->volume() / Session::loudest);
+    volumeBar->setValue(session.volume());
 }
 
 void TransportBar::showTitle()
 {
-    const QString artist = session.artist();
-    const QString text =
-        artist.isEmpty() ? session.title() : tr("%1 - %2").arg(artist, session.title());
-    title->setToolTip(text);
-    title->setText(title->fontMetrics().elidedText(text, Qt::ElideRight, title->width()));
+    title->setToolTip(session.caption());
+    title->setText(
+        title->fontMetrics().elidedText(session.caption(), Qt::ElideRight, title->width()));
 }
 
 void TransportBar::resizeEvent(QResizeEvent *)
