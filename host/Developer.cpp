@@ -5,12 +5,12 @@
 using namespace std::chrono_literals;
 using MediaPlayer::Player;
 
-constexpr auto lookInterval = 100ms;
+constexpr auto recordInterval = 100ms;
 constexpr int answersKept = 50;
 
 Developer::Developer(Player &thePlayer) : player(thePlayer), theRecord(thePlayer.record())
 {
-    looks.setInterval(lookInterval);
+    looks.setInterval(recordInterval);
     connect(&looks, &QTimer::timeout, &theRecord, &RecordModel::refresh);
     connect(&player, &Player::commandAnswered, this, [this](int command, bool done, bool error) {
         QStringList answers = theAnswers.stringList().mid(0, answersKept - 1);
