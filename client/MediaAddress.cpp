@@ -65,11 +65,11 @@ void MediaAddress::resolve(const QUrl &given, Receiver receiver)
         m_asked->abort();
     QUrl source = given;
     if (source.isRelative())
-        source = QUrl::fromLocalFile(QDir::current().absoluteFilePath(source.path()));
+        source = QUrl::fromLocalFile(source.path());
     if (source.scheme() == QLatin1String("qrc"))
         return receiver(resolveFile(u':' + source.path()));
     if (source.isLocalFile())
-        return receiver(resolveFile(source.toLocalFile()));
+        return receiver(resolveFile(QFileInfo(source.toLocalFile()).absoluteFilePath()));
 
     const bool isHttp = source.scheme().startsWith(QLatin1String("http"));
     const QString suffix = suffixOfName(source.toEncoded());

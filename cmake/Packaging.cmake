@@ -14,8 +14,12 @@ install(FILES
   boundary/MediaPlayerParams.h
   diagnostics/MediaPlayerDiagnostics.h
   DESTINATION ${includeDir})
-install(FILES docs/diagnostics.md docs/host-guide.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/mediaplayer)
+set(docDir ${CMAKE_INSTALL_DATAROOTDIR}/doc/mediaplayer)
+install(FILES docs/diagnostics.md docs/getting-started.md docs/host-guide.md DESTINATION ${docDir})
+install(DIRECTORY samples DESTINATION ${docDir})
+install(DIRECTORY host/ DESTINATION ${docDir}/examples)
 
+install(EXPORT MediaPlayerTargets NAMESPACE MediaPlayer:: DESTINATION ${configDir})
 configure_package_config_file(cmake/MediaPlayerConfig.cmake.in MediaPlayerConfig.cmake
   INSTALL_DESTINATION ${configDir} PATH_VARS includeDir plugin)
 write_basic_package_version_file(MediaPlayerConfigVersion.cmake COMPATIBILITY SameMajorVersion)
@@ -31,6 +35,17 @@ string(REGEX REPLACE "/$" "" pkgConfigToPrefix ${pkgConfigToPrefix})
 configure_file(cmake/mediaplayer.pc.in mediaplayer.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mediaplayer.pc DESTINATION ${pkgConfigDir})
 
+# client_package(COMPONENT ABOUT REQUIRES [LIBS]): the same for a library of the client's.
+function(client_package component about requires)
+  set(libs "${ARGN} -lMediaPlayer${component}")
+  string(TOLOWER mediaplayer-${component}.pc file)
+  configure_file(cmake/mediaplayer-component.pc.in ${file} @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${file} DESTINATION ${pkgConfigDir})
+endfunction()
+client_package(Client "without a picture" "Qt6Core Qt6Gui")
+client_package(Widgets "for widgets" "mediaplayer-client Qt6Widgets")
+client_package(Quick "for Qt Quick" "mediaplayer-client Qt6Qml Qt6Quick" -Wl,--no-as-needed)
+
 # Of the packages that are needed to run, dpkg-shlibdeps finds those that are linked. The others
 # are loaded while a program runs, and are taken from the scripts' list for this system.
 execute_process(
@@ -45,14 +60,16 @@ set(CPACK_PACKAGE_NAME mediaplayer)
 set(CPACK_PACKAGE_CONTACT "MediaPlayer maintainers <maintainers@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Media player controls for Qt 6 programs")
 set(CPACK_PACKAGE_DESCRIPTION
-"A plug-in that a Qt 6 program loads at run time to place media players into its windows, the
-headers to write such a program with, and an example of one for widgets and one for Qt Quick.")
+"A plug-in that places media players into the windows of a Qt 6 program, a library for programs that
+use it, widgets or Qt Quick, and an example of both.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_SET_DESTDIR ON) # the scene files have an absolute path
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR}/client)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "${loadedAtRunTime}")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS qt6-base-dev)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "qt6-base-dev, qt6-declarative-dev")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 include(CPack)

@@ -111,7 +111,7 @@ void ClientPlacesTest::windows()
                 film.get());
     AWAIT(plays(*film, 200));
     auto *const other = scene.find<QQuickWindow>("other");
-    for (int round = 0; round < 3; ++round) {
+    for (int round = 0; round < 2; ++round) {
         for (QWindow *target : {static_cast<QWindow *>(other), scene.window()}) {
             const qint64 keyFrame = film->position() / 1000 * 1000;
             AWAIT(plays(*film, keyFrame + 1500));
