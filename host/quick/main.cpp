@@ -70,8 +70,6 @@ private:
 QuickWindow::QuickWindow(Session &session)
 {
     engine.addImageProvider(QStringLiteral("host"), new Images(session));
-    // Where a build has the module MediaPlayer; an installed one is found without.
-    engine.addImportPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../qml"));
     engine.setInitialProperties({{QStringLiteral("session"), QVariant::fromValue(&session)}});
     engine.load(QUrl(QStringLiteral("qrc:/host/Main.qml")));
     window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
