@@ -27,6 +27,8 @@ Rectangle {
         opacity: player.error === Player.NoError ? 1 : 0 // the failure is told here
     }
 
+    Rectangle { anchors.fill: parent; visible: area.tells; color: "#80000000" } // under the words
+
     Image {
         readonly property real side: Math.min(area.width - 32, area.height - 102, 480)
 

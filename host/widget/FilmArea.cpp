@@ -31,11 +31,11 @@ protected:
     {
         QPainter painter(this);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-        if (session.player()->error() != MediaPlayer::Player::NoError)
-            painter.fillRect(rect(), Qt::black); // the failure is told here
-        if (!session.headline().isEmpty())
+        const bool fails = session.player()->error() != MediaPlayer::Player::NoError;
+        if (!session.headline().isEmpty()) {
+            painter.fillRect(rect(), QColor(0, 0, 0, fails ? 255 : 128)); // told here, and legible
             drawLines(painter, rect(), session.headline(), session.details());
-        else if (session.isSoundOnly())
+        } else if (session.isSoundOnly())
             drawSound(painter);
         if (!session.notice().isEmpty())
             drawNotice(painter);
