@@ -51,6 +51,7 @@ void Session::followPlayer()
     connect(&thePlayer, &Player::volumeChanged, &thePlayer,
             [this](double volume) { theMemory.setVolume(volume); });
     connect(&thePlayer, &Player::volumeChanged, this, &Session::volumeChanged);
+    connect(&theList, &PlayList::currentChanged, this, &Session::mediaChanged);
     connect(&thePlayer, &Player::mutedChanged, &thePlayer,
             [this](bool muted) { theMemory.setMuted(muted); });
 }

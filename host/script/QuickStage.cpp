@@ -10,11 +10,12 @@ QuickStage::QuickStage(const PluginLibrary &library) : Stage(library)
     window.show();
 }
 
-// Each place has a parent of its own: the plug-in moves the parent of the item it is given.
+// Between the cell and the place is a parent of its own: the plug-in moves the parent of the item
+// that it is given to (0, 0).
 QObject *QuickStage::makePlace()
 {
     auto *cell = new QQuickItem(window.contentItem());
-    auto *place = new QQuickItem(cell);
+    auto *place = new QQuickItem(new QQuickItem(cell));
     place->setClip(true); // a cropped picture is larger than its place
     return place;
 }
@@ -22,7 +23,7 @@ QObject *QuickStage::makePlace()
 void QuickStage::movePlace(QObject *place, const QRect &rect)
 {
     auto *item = static_cast<QQuickItem *>(place);
-    item->parentItem()->setPosition(rect.topLeft());
+    item->parentItem()->parentItem()->setPosition(rect.topLeft());
     item->setSize(rect.size());
 }
 
