@@ -23,6 +23,22 @@ packagesTest=(binutils dpkg-dev file gstreamer1.0-plugins-ugly mount util-linux)
 packagesLint=(clang clang-format clang-tidy git qt6-declarative-dev-tools shellcheck)
 packagesSystems=(debian-archive-keyring mmdebstrap util-linux) # for ./test --on
 
+packagesCorpus=(
+  ffmpeg gstreamer1.0-plugins-base-apps mpv python3 qml-qt6 qml6-module-qtmultimedia
+) # for ./test --corpus
+# Out of which ./test --corpus takes files; none of them is installed.
+packagesWithMedia=(
+  alsa-utils ardentryst asc-music asterisk-moh-opsound-wav boswars-data csound-doc devede
+  drascula-music eiskaltdcpp-sounds extremetuxracer-data forensics-samples-files
+  fretsonfire-songs-sectoid gajim gem-doc gnome-user-docs
+  golang-github-gabriel-vasile-mimetype-dev jami-daemon kodi-data libpython3.11-testsuite
+  libreoffice-common linphone-common lmms-common lomiri-sounds minetest-data opencv-doc
+  openshot-qt oxygen-sounds performous pidgin-data pingus-data planetblupi-common
+  pocketsphinx-testdata psi-plus-sounds python3-scipy qtmultimedia5-examples r-cran-av scratch
+  sonic-pi-samples sound-theme-freedesktop speech-dispatcher supercollider-common tcl-snack-doc
+  teeworlds-data tuxpaint-data tuxtype-data xmoto-data
+)
+
 # 12, 13 ...; testing and unstable have no number.
 system=$(. /etc/os-release && echo "${VERSION_ID-testing}")
 case $system in

@@ -56,8 +56,11 @@ int endAs(int ending, int situation, int argc, char **argv)
 
     host = new Host(situations[situation].kind);
     situations[situation].reach(*host);
-    if (ending == ExitWithALeakedApplication)
+    if (ending == ExitWithALeakedApplication) {
+        if (host->window)
+            host->window->hide(); // Qt's render thread does not survive exit() in a frame
         std::exit(exitStatus);
+    }
     if (ending == StaticApplication) {
         // Qt itself does not survive this with a window that has drawn.
         host->window.reset();

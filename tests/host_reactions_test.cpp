@@ -190,6 +190,8 @@ private Q_SLOTS:
         inSlot([&] {
             host.raise(MediaPlayerCommandVolume);
             QVERIFY(blockUntil([&] { return loadAcquire(host.view()->invokePending); }));
+            const std::int64_t marked = host.position(); // published only after the slot is posted
+            QVERIFY(blockUntil([&] { return host.position() != marked; }));
             host.destroyControl();
         });
         AWAIT(!host.view());
