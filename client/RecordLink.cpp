@@ -13,7 +13,6 @@ namespace
 
 // The plug-in looks at its records every 50 ms and publishes every 150 ms or so.
 constexpr auto lookInterval = 40ms;
-constexpr qint64 nsPerMs = 1'000'000;
 
 template <typename T>
 T readShared(T &field)

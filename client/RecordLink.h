@@ -16,6 +16,8 @@ class BasicWidget;
 namespace MediaPlayer
 {
 
+inline constexpr qint64 nsPerMs = 1'000'000; ///< the record counts nanoseconds
+
 /// What the plug-in has published, as of one look. Times are milliseconds.
 struct Published {
     static constexpr qint64 unknown = std::numeric_limits<qint64>::min();

@@ -11,8 +11,15 @@ namespace MediaPlayer
 
 class ItemPlace;
 
+/// What the QML type Player inherits, for the tools that check QML.
+struct PlayerInQml {
+    Q_GADGET
+    QML_FOREIGN(MediaPlayer::Player)
+    QML_ANONYMOUS
+};
+
 /// The QML type Player: a Player whose source may be relative to the QML file.
-class MEDIAPLAYER_CLIENT QmlPlayer : public Player
+class MEDIAPLAYER_CLIENT QmlPlayer : public MediaPlayer::Player // in full, for the tools
 {
     Q_OBJECT
     QML_NAMED_ELEMENT(Player)

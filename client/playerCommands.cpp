@@ -5,8 +5,6 @@
 namespace MediaPlayer
 {
 
-constexpr qint64 nsPerMs = 1'000'000;
-
 void PlayerPrivate::setIntent(Player::PlaybackState intent)
 {
     if (m_phase == Phase::Empty || (m_phase == Phase::Failed && intent != Player::PlayingState))

@@ -1,76 +1,47 @@
 #include "HostProgram.h"
 
+#include "Demo.h"
+#include "Look.h"
+#include "ScriptRunner.h"
+#include "mediaFiles.h"
+
+#include <MediaPlayer/Plugin.h>
+
 #include <QtCore/QCommandLineParser>
-#include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
+#include <QtGui/QGuiApplication>
 
 #include <cstdio>
 
-// Plays to the middle, pauses, goes back, plays on to the end, which rewinds to a paused start.
-static Script demoScript(const QString &uri, const QString &picture)
+HostProgram::HostProgram(const QString &theDescription) : description(theDescription)
 {
-    static const char *const lines[] = {
-        "load %1",
-        "expect error=0",
-        "wait state=paused duration>0 30",
-        "report loaded",
-        "play",
-        "wait state=playing",
-        "report playing",
-        "wait position>=50%",
-        "report middle",
-        "pause",
-        "wait state=paused",
-        "report paused",
-        "shot %2",
-        "seek 25%",
-        "wait position<=26%",
-        "report \"seek to 25%\"",
-        "play",
-        "wait state=playing",
-        "report \"playing on\"",
-        "wait position>=75%",
-        "wait state=paused position<10%",
-        "report \"at the end\"",
-    };
-    const auto quoted = [](QString text) {
-        return QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\"\""))
-            + QLatin1Char('"');
-    };
-    QString text;
-    for (const char *line : lines)
-        text += QLatin1String(line) + QLatin1Char('\n');
-    text.replace(QLatin1String("%1"), quoted(uri)).replace(QLatin1String("%2"), quoted(picture));
-    return Script::parse(QStringLiteral("demo"), text);
+    QGuiApplication::setPalette(look::palette());
 }
 
-HostProgram::HostProgram(const QString &theDescription) : description(theDescription) { }
-
-bool HostProgram::stopWith(int status, const QString &text)
+int HostProgram::stopWith(int status, const QString &text)
 {
     std::fprintf(status == 0 ? stdout : stderr, "%s\n", qPrintable(text));
-    exitStatus = status;
-    return false;
+    return status;
 }
 
 static void describe(QCommandLineParser &parser, const QString &description)
 {
     parser.setApplicationDescription(description);
     parser.addPositionalArgument(QStringLiteral("media"),
-                                 QStringLiteral("Files or addresses to play."),
+                                 QStringLiteral("Files, folders, play lists or addresses to play."),
                                  QStringLiteral("[media...]"));
     parser.addOptions({
         {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("This text.")},
         {QStringLiteral("library"), QStringLiteral("The plug-in to load."), QStringLiteral("path"),
-         PluginLibrary::defaultPath()},
+         MediaPlayer::pluginPath()},
         {QStringLiteral("script"),
          QStringLiteral("Run the commands in a file, or of standard input (-), and end."),
          QStringLiteral("file")},
         {QStringLiteral("demo"),
-         QStringLiteral("Play the media to its end in steps, print what the player published at "
-                        "each, and end.")},
+         QStringLiteral("Play the media to its end in steps, print what the record holds at each, "
+                        "and end.")},
         {QStringLiteral("shot"), QStringLiteral("Where --demo writes a picture of the window."),
-         QStringLiteral("file"), QStringLiteral("mediaplayer-demo.png")},
+         QStringLiteral("file")},
         {QStringLiteral("stay"), QStringLiteral("Stay open after a script or the demo.")},
         {QStringLiteral("trace"), QStringLiteral("Trace lines of the library from the start.")},
     });
@@ -90,7 +61,7 @@ static QString helpText(const QCommandLineParser &parser)
                "not, and 2 when the program could not begin.\n");
 }
 
-bool HostProgram::prepare()
+int HostProgram::run(const MakeStage &makeStage, const MakeWindow &makeWindow)
 {
     QCommandLineParser parser;
     describe(parser, description);
@@ -98,66 +69,79 @@ bool HostProgram::prepare()
         return stopWith(2, parser.errorText());
     if (parser.isSet(QStringLiteral("help")))
         return stopWith(0, helpText(parser));
-
-    media = parser.positionalArguments();
     stay = parser.isSet(QStringLiteral("stay"));
-    if (parser.isSet(QStringLiteral("demo"))) {
-        if (media.size() != 1)
-            return stopWith(2, QStringLiteral("--demo needs one file or address"));
-        script = demoScript(uriOf(media[0]), parser.value(QStringLiteral("shot")));
-    } else if (parser.isSet(QStringLiteral("script"))
-               && !readScript(parser.value(QStringLiteral("script")))) {
-        return false;
-    }
 
-    const QString problem = plugin.load(parser.value(QStringLiteral("library")));
-    if (!problem.isEmpty())
+    PluginLibrary plugin;
+    const QString library = parser.value(QStringLiteral("library"));
+    if (const QString problem = plugin.load(library); !problem.isEmpty())
         return stopWith(2, problem);
+    MediaPlayer::setPluginPath(library);
     writeSwitch(plugin.enableDebug, parser.isSet(QStringLiteral("trace")));
-    theSession = std::make_unique<Session>(plugin);
-    theSession->addPlayer();
-    if (!script) // scripts begin with what a new record means: a stretched picture
-        theSession->player()->setKeepAspect(true);
-    return true;
+
+    if (parser.isSet(QStringLiteral("script")))
+        return runScript(parser.value(QStringLiteral("script")), [&] { return makeStage(plugin); });
+    QList<QUrl> media;
+    for (const QString &name : parser.positionalArguments())
+        media.append(urlOf(name));
+    if (!parser.isSet(QStringLiteral("demo")))
+        return play(media, makeWindow);
+    if (media.size() != 1)
+        return stopWith(2, QStringLiteral("--demo needs one file or address"));
+    return runDemo(media[0], parser.value(QStringLiteral("shot")), makeWindow);
 }
 
-bool HostProgram::readScript(const QString &name)
+int HostProgram::play(const QList<QUrl> &media, const MakeWindow &makeWindow)
+{
+    Session session;
+    const std::unique_ptr<HostWindow> window = makeWindow(session);
+    if (!media.isEmpty())
+        session.open(media);
+    return QCoreApplication::exec();
+}
+
+int HostProgram::runDemo(const QUrl &media, const QString &shot, const MakeWindow &makeWindow)
+{
+    Session session;
+    const std::unique_ptr<HostWindow> window = makeWindow(session);
+    Demo demo(session, [&] {
+        if (!shot.isEmpty() && !window->picture().save(shot))
+            stopWith(1, QStringLiteral("the picture could not be written to %1").arg(shot));
+    });
+    QObject::connect(&demo, &Demo::finished, &demo,
+                     [this](const QString &problem) { finish(problem); });
+    demo.start(media);
+    QCoreApplication::exec();
+    return status;
+}
+
+int HostProgram::runScript(const QString &name,
+                           const std::function<std::unique_ptr<Stage>()> &makeStage)
 {
     QFile file(name);
     const bool isOpen =
         name == QLatin1String("-") ? file.open(stdin, QFile::ReadOnly) : file.open(QFile::ReadOnly);
     if (!isOpen)
         return stopWith(2, QStringLiteral("%1: %2").arg(name, file.errorString()));
-    script = Script::parse(name, QString::fromUtf8(file.readAll()));
-    return script->problem.isEmpty() || stopWith(2, script->problem);
+    const Script script = Script::parse(name, QString::fromUtf8(file.readAll()));
+    if (!script.problem.isEmpty())
+        return stopWith(2, script.problem);
+    {
+        const std::unique_ptr<Stage> stage = makeStage();
+        stage->addPlayer();
+        ScriptRunner runner(*stage, script);
+        QObject::connect(&runner, &ScriptRunner::finished, &runner,
+                         [this](const QString &problem) { finish(problem); });
+        runner.start();
+        QCoreApplication::exec();
+    }
+    // The players' deletion was put off to a turn of the event loop that no longer comes.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return status;
 }
 
-void HostProgram::begin(ScriptRunner::Resize resize, ScriptRunner::Grab grab)
+void HostProgram::finish(const QString &problem)
 {
-    if (script)
-        return runScript(std::move(resize), std::move(grab));
-    QList<QUrl> urls;
-    for (const QString &name : std::as_const(media))
-        urls.append(QUrl(uriOf(name)));
-    if (!urls.isEmpty())
-        theSession->open(urls);
-}
-
-void HostProgram::runScript(ScriptRunner::Resize resize, ScriptRunner::Grab grab)
-{
-    exitStatus = 1; // until it has come to its end
-    runner = std::make_unique<ScriptRunner>(*theSession, *script);
-    runner->setWindow(std::move(resize), std::move(grab));
-    connect(runner.get(), &ScriptRunner::finished, this, &HostProgram::scriptFinished);
-    runner->start();
-}
-
-void HostProgram::scriptFinished(const QString &problem)
-{
-    if (problem.isEmpty())
-        exitStatus = 0;
-    else
-        stopWith(1, problem);
+    status = problem.isEmpty() ? 0 : stopWith(1, problem);
     if (!stay)
-        QCoreApplication::exit(exitStatus);
+        QCoreApplication::exit(status);
 }

@@ -1,43 +1,48 @@
 #ifndef HOSTPROGRAM_H
 #define HOSTPROGRAM_H
 
-#include "ScriptRunner.h"
+#include "Session.h"
+#include "Stage.h"
 
-/// What both hosts do around their window: the command line, the plug-in, the session, and the
-/// script that the command line asks for.
-class HostProgram : public QObject
+#include <functional>
+
+/// A host's interface to a session.
+class HostWindow
 {
-    Q_OBJECT
-
 public:
+    HostWindow() = default;
+    HostWindow(const HostWindow &) = delete;
+    HostWindow &operator=(const HostWindow &) = delete;
+    virtual ~HostWindow() = default;
+
+    virtual QImage picture() = 0; ///< of the window, as a user sees it
+};
+
+/// What both hosts do around their window: the command line, the plug-in, and what the command
+/// line asks for.
+class HostProgram
+{
+public:
+    using MakeStage = std::function<std::unique_ptr<Stage>(const PluginLibrary &)>;
+    using MakeWindow = std::function<std::unique_ptr<HostWindow>(Session &)>;
+
+    /// After the application object.
     explicit HostProgram(const QString &description);
 
-    /// Reads the command line and loads the plug-in. False: the program ends with status().
-    bool prepare();
-
-    PluginLibrary &library() { return plugin; }
-    Session &session() { return *theSession; }
-
-    /// Call it when the window shows the first player: runs the script or opens the media.
-    void begin(ScriptRunner::Resize resize, ScriptRunner::Grab grab);
-
-    /// 0, 1 when a script failed or was cut short, 2 when the program could not begin.
-    int status() const { return exitStatus; }
+    /// Runs to the end of the program. Returns its exit status: 0, 1 when a script or the demo
+    /// failed or was cut short, 2 when the program could not begin.
+    int run(const MakeStage &makeStage, const MakeWindow &makeWindow);
 
 private:
-    bool stopWith(int status, const QString &text);
-    bool readScript(const QString &file);
-    void runScript(ScriptRunner::Resize resize, ScriptRunner::Grab grab);
-    void scriptFinished(const QString &problem);
+    static int stopWith(int status, const QString &text);
+    static int play(const QList<QUrl> &media, const MakeWindow &makeWindow);
+    int runDemo(const QUrl &media, const QString &shot, const MakeWindow &makeWindow);
+    int runScript(const QString &name, const std::function<std::unique_ptr<Stage>()> &makeStage);
+    void finish(const QString &problem);
 
     QString description;
-    PluginLibrary plugin;
-    std::unique_ptr<Session> theSession;
-    std::unique_ptr<ScriptRunner> runner;
-    std::optional<Script> script;
-    QStringList media;
     bool stay = false;
-    int exitStatus = 0;
+    int status = 1; // until what was asked for has come to its end
 };
 
 #endif

@@ -4,42 +4,52 @@ import QtQuick
 import QtQuick.Controls
 
 // The play list: a double click plays an entry, the button takes it out.
-ListView {
-    id: list
+Rectangle {
+    id: panel
 
     required property var session
 
-    clip: true
-    model: session.playlist
-    currentIndex: session.entry
-    ScrollBar.vertical: ScrollBar {}
+    color: palette.base
 
-    delegate: ItemDelegate {
-        id: entry
+    ListView {
+        anchors.fill: parent
+        anchors.margins: 2
+        clip: true
+        model: panel.session.list
+        currentIndex: panel.session.list.current
+        ScrollBar.vertical: ScrollBar {}
 
-        required property int index
-        required property string title
+        delegate: ItemDelegate {
+            id: entry
 
-        width: ListView.view.width
-        text: title
-        highlighted: ListView.isCurrentItem
-        focusPolicy: Qt.NoFocus
-        onDoubleClicked: list.session.playEntry(index)
+            required property int index
+            required property string title
+            required property string problem
+            required property bool current
 
-        ToolButton {
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            visible: entry.hovered
+            width: ListView.view.width
+            height: 28
             focusPolicy: Qt.NoFocus
-            text: "\u2715"
-            onClicked: list.session.removeEntry(entry.index)
-        }
-    }
+            highlighted: current
+            onDoubleClicked: panel.session.playRow(index)
+            ToolTip.text: problem
+            ToolTip.visible: hovered && problem !== ""
 
-    Label {
-        anchors.centerIn: parent
-        visible: list.count === 0
-        text: qsTr("Drop files here")
-        color: palette.placeholderText
+            contentItem: Label {
+                text: entry.title
+                elide: Text.ElideMiddle
+                textFormat: Text.PlainText
+                font.bold: entry.current
+                color: entry.current ? palette.highlightedText : entry.problem ? panel.session.warning : palette.text
+            }
+            BarButton {
+                anchors.right: parent.right
+                height: parent.height
+                visible: entry.hovered
+                text: "\u2715"
+                display: AbstractButton.TextOnly
+                onClicked: panel.session.removeRow(entry.index)
+            }
+        }
     }
 }

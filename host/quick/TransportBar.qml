@@ -1,76 +1,75 @@
 import QtQuick
 import QtQuick.Controls
-import QtQuick.Layouts
 
-// Buttons, the seek slider with its times, and the volume of the current player.
-RowLayout {
-    id: bar
+// The seek bar, and below it the buttons, times, title and volume. Leaves out what has no room.
+Pane {
+    id: transport
 
     required property var session
-    readonly property var player: session.player
 
-    function clock(seconds) {
-        const pad = n => n < 10 ? "0" + n : n;
-        const whole = Math.floor(seconds);
-        const minutes = Math.floor(whole / 60);
-        return minutes < 60 ? minutes + ":" + pad(whole % 60) : Math.floor(minutes / 60) + ":" + pad(minutes % 60) + ":" + pad(whole % 60);
+    signal menuWanted
+
+    padding: 6
+    contentHeight: seekBar.height + left.height + 2
+
+    WheelHandler {
+        onWheel: event => transport.session.changeVolume(event.angleDelta.y > 0 ? 1 : -1)
     }
 
-    component BarButton: ToolButton {
-        focusPolicy: Qt.NoFocus // the keys belong to the shortcuts
+    Bar {
+        id: seekBar
+
+        objectName: "seekBar"
+        width: parent.width
+        enabled: transport.session.player.seekable
+        value: transport.session.place
+        text: transport.session.timeAt(pointed)
+        onMoved: part => transport.session.seekTo(part)
     }
 
-    spacing: 2
+    Row {
+        id: left
 
-    BarButton {
-        text: "\u25C0\u25C0"
-        onClicked: bar.session.playEntry(bar.session.entry - 1)
-    }
-    BarButton {
-        text: bar.player.playing ? "\u275A\u275A" : "\u25B6"
-        onClicked: bar.session.togglePlaying()
-    }
-    BarButton {
-        text: "\u25A0"
-        onClicked: bar.player.stop()
-    }
-    BarButton {
-        text: "\u25B6\u25B6"
-        onClicked: bar.session.playEntry(bar.session.entry + 1)
-    }
+        anchors.bottom: parent.bottom
+        spacing: 2
 
-    Slider {
-        id: seekSlider
-
-        Layout.fillWidth: true
-        Layout.leftMargin: 6
-        Layout.rightMargin: 6
-        focusPolicy: Qt.NoFocus
-        to: Math.max(bar.player.duration, 0.001)
-        onMoved: bar.player.seek(value)
-
-        Binding on value {
-            value: bar.player.position
-            when: !seekSlider.pressed
-        }
+        BarButton { name: "previous" }
+        BarButton { name: "play" }
+        BarButton { name: "next" }
     }
 
     Label {
-        text: bar.clock(bar.player.position) + " / " + bar.clock(bar.player.duration)
+        anchors { left: left.right; right: right.left; verticalCenter: left.verticalCenter; margins: 6 }
+        elide: Text.ElideRight
+        textFormat: Text.PlainText
+        text: transport.session.times + "   " + transport.session.caption
     }
 
-    BarButton {
-        text: "\u266A"
-        checkable: true
-        font.strikeout: bar.player.muted
-        checked: bar.player.muted
-        onToggled: bar.player.muted = checked
-    }
-    Slider {
-        Layout.preferredWidth: 100
-        Layout.rightMargin: 6
-        focusPolicy: Qt.NoFocus
-        value: bar.player.volume
-        onMoved: bar.player.volume = value
+    Row {
+        id: right
+
+        anchors { right: parent.right; bottom: parent.bottom }
+        spacing: 2
+
+        BarButton { name: "mute" }
+        Bar {
+            objectName: "volumeBar"
+            width: 110
+            height: parent.height
+            visible: transport.width >= 520
+            warning: transport.session.warning
+            mark: transport.session.fullVolume
+            value: transport.session.volume
+            text: transport.session.volumeAt(pointed)
+            onMoved: part => transport.session.setVolume(part)
+        }
+        BarButton { name: "list" }
+        BarButton { name: "fullscreen" }
+        BarButton {
+            drawing: "menu"
+            text: qsTr("Menu")
+            display: AbstractButton.IconOnly
+            onClicked: transport.menuWanted()
+        }
     }
 }

@@ -1,150 +1,129 @@
 #include "MainWindow.h"
 
+#include "Commands.h"
+#include "DeveloperPanel.h"
+#include "FilmArea.h"
 #include "TransportBar.h"
 
 #include <QtCore/QMimeData>
-#include <QtGui/QDropEvent>
+#include <QtGui/QContextMenuEvent>
 #include <QtGui/QScreen>
-#include <QtWidgets/QDockWidget>
+#include <QtGui/QShortcut>
 #include <QtWidgets/QFileDialog>
-#include <QtWidgets/QGridLayout>
 #include <QtWidgets/QInputDialog>
-#include <QtWidgets/QMenuBar>
-#include <QtWidgets/QStatusBar>
-#include <QtWidgets/QStyle>
+#include <QtWidgets/QListView>
 
-#include <algorithm>
-#include <cmath>
+constexpr int listWidth = 240;
+constexpr int developerWidth = 300;
 
-MainWindow::MainWindow(Session &theSession, const PluginLibrary &theLibrary)
-    : session(theSession), library(theLibrary)
+MainWindow::MainWindow(Session &theSession)
+    : session(theSession)
+    , area(new FilmArea(session))
+    , bar(new TransportBar(session, [this](QPoint place) { menu.popup(place); }))
+    , list(makeList())
+    , developer(new DeveloperPanel(*session.developer(), *area->film()))
 {
+    for (QWidget *part : {static_cast<QWidget *>(area), list, static_cast<QWidget *>(developer),
+                          static_cast<QWidget *>(bar)})
+        part->setParent(this);
     setAcceptDrops(true);
-    resize(1200, 680);
-    buildActions();
-    buildCentre();
-    buildDocks();
+    setMinimumSize(320, 200);
+    buildMenu();
+    connect(&session, &Session::shownChanged, this, &MainWindow::showState);
+    connect(&session, &Session::mediaChanged, this, &MainWindow::showState);
 
-    QAbstractItemModel *players = session.playersModel();
-    connect(players, &QAbstractItemModel::rowsInserted, this,
-            [this](const QModelIndex &, int row) { addArea(row); });
-    connect(players, &QAbstractItemModel::rowsRemoved, this,
-            [this](const QModelIndex &, int row) { removeArea(row); });
-    connect(&session, &Session::currentChanged, this, &MainWindow::showCurrent);
-    connect(&session, &Session::messageChanged, this,
-            [this] { statusBar()->showMessage(session.message()); });
-    for (int row = 0; row < players->rowCount(); ++row)
-        addArea(row);
-    showCurrent();
-}
-
-MainWindow::~MainWindow()
-{
-    qDeleteAll(std::exchange(areas, {}));
-}
-
-void MainWindow::buildCentre()
-{
-    auto *centre = new QWidget;
-    auto *column = new QVBoxLayout(centre);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    grid = new QGridLayout;
-    grid->setSpacing(4);
-    column->addLayout(grid, 1);
-    transport =
-        new TransportBar(session, {previousAction, playAction, stopAction, nextAction}, muteAction);
-    column->addWidget(transport);
-    setCentralWidget(centre);
-}
-
-void MainWindow::addArea(int row)
-{
-    Player *player = session.playerAt(row);
-    auto *area = new VideoArea(*player, library);
-    areas.insert(row, area);
-    connect(area, &VideoArea::clicked, this,
-            [this, area] { session.setCurrent(int(areas.indexOf(area))); });
-    connect(area, &VideoArea::doubleClicked, this, &MainWindow::toggleFullScreen);
-    connect(player, &Player::published, this, &MainWindow::showState);
-    connect(player, &Player::controlChanged, this, &MainWindow::showState);
-    layOutAreas();
-}
-
-void MainWindow::removeArea(int row)
-{
-    delete areas.takeAt(row);
-    layOutAreas();
-}
-
-void MainWindow::layOutAreas()
-{
-    const int columns = std::max(1, int(std::ceil(std::sqrt(double(areas.size())))));
-    for (int i = 0; i < areas.size(); ++i)
-        grid->addWidget(areas[i], i / columns, i % columns);
-    showCurrent();
-}
-
-void MainWindow::showCurrent()
-{
-    for (int i = 0; i < areas.size(); ++i)
-        areas[i]->setCurrent(areas.size() > 1 && i == session.current());
+    resize(session.firstSize(*screen()));
+    session.memory().isMaximized() ? showMaximized() : show();
+    session.watch(windowHandle());
     showState();
+}
+
+void MainWindow::buildMenu()
+{
+    for (QObject *object : session.commands()->all()) {
+        auto *command = static_cast<Command *>(object);
+        if (!command) {
+            menu.addSeparator();
+            continue;
+        }
+        addAction(command); // its keys work in the whole window
+        if (command->listed)
+            menu.addAction(command);
+        if (command->objectName() == QLatin1String("address"))
+            recent = menu.addMenu(tr("Open r&ecent"));
+    }
+    connect(recent, &QMenu::aboutToShow, this, &MainWindow::showRecent);
+    Commands *commands = session.commands();
+    connect(commands, &Commands::filesWanted, this, &MainWindow::chooseFiles);
+    connect(commands, &Commands::folderWanted, this, &MainWindow::chooseFolder);
+    connect(commands, &Commands::addressWanted, this, &MainWindow::askForAddress);
+    connect(commands, &Commands::quitWanted, this, &QWidget::close);
+}
+
+void MainWindow::showRecent()
+{
+    recent->clear();
+    const QStringList names = session.recent();
+    for (int row = 0; row < names.size(); ++row)
+        recent->addAction(names[row], this, [this, row] { session.openRecent(row); });
+}
+
+QWidget *MainWindow::makeList()
+{
+    auto *view = new QListView;
+    view->setModel(session.list());
+    view->setFrameShape(QFrame::NoFrame);
+    view->setTextElideMode(Qt::ElideMiddle);
+    view->setStyleSheet(QStringLiteral("QListView::item { padding: 5px }"));
+    view->setFocusPolicy(Qt::ClickFocus);
+    connect(view, &QListView::doubleClicked, this,
+            [this](const QModelIndex &index) { session.playRow(index.row()); });
+    connect(session.list(), &PlayList::currentChanged, view, [this, view] {
+        view->setCurrentIndex(session.list()->index(session.list()->current()));
+    });
+    auto *remove = new QShortcut(QKeySequence::Delete, view);
+    remove->setContext(Qt::WidgetShortcut);
+    connect(remove, &QShortcut::activated, this,
+            [this, view] { session.removeRow(view->currentIndex().row()); });
+    return view;
+}
+
+void MainWindow::layOut()
+{
+    const bool full = session.isFullScreen();
+    const int barHeight = bar->sizeHint().height();
+    int right = width();
+    const auto placePanel = [&](QWidget *panel, bool shown, int most) {
+        panel->setVisible(shown && !full);
+        if (panel->isHidden())
+            return;
+        const int wide = std::min(most, width() * 45 / 100);
+        panel->setGeometry(right -= wide, 0, wide, height() - barHeight);
+    };
+    placePanel(developer, session.isDeveloperShown(), developerWidth);
+    placePanel(list, session.isListShown(), listWidth);
+    area->setGeometry(0, 0, right, full ? height() : height() - barHeight);
+    bar->setGeometry(0, height() - barHeight, width(), barHeight);
+    bar->setVisible(!full || session.areControlsShown());
 }
 
 void MainWindow::showState()
 {
-    const Player *player = session.player();
-    if (!player)
-        return;
-    playAction->setIcon(
-        style()->standardIcon(player->isPlaying() ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
-    playAction->setText(player->isPlaying() ? tr("&Pause") : tr("&Play"));
-    shownAction->setChecked(player->isShown());
-    shownAction->setEnabled(player->hasControl());
-    controlAction->setChecked(player->hasControl());
-    const QUrl media(player->uri());
-    setWindowTitle(media.isEmpty() ? tr("Media player host")
-                                   : tr("%1 - Media player host").arg(media.fileName()));
+    setWindowTitle(session.title().isEmpty() ? tr("Media player")
+                                             : tr("%1 - Media player").arg(session.title()));
+    setWindowState(windowState().setFlag(Qt::WindowFullScreen, session.isFullScreen()));
+    session.areControlsShown() ? area->unsetCursor() : area->setCursor(Qt::BlankCursor);
+    layOut();
 }
 
-void MainWindow::changeVolume(double by)
+void MainWindow::resizeEvent(QResizeEvent *)
 {
-    if (Player *player = session.player())
-        player->setVolume(std::clamp(player->volume() + by, 0.0, 1.0));
+    layOut();
 }
 
-void MainWindow::chooseFiles()
+void MainWindow::contextMenuEvent(QContextMenuEvent *event)
 {
-    const QList<QUrl> files = QFileDialog::getOpenFileUrls(
-        this, tr("Open media"), {},
-        tr("Media (*.mp4 *.mkv *.webm *.avi *.mov *.mpg *.ogv *.mp3 *.ogg *.opus *.flac *.wav "
-           "*.m4a);;All files (*)"));
-    if (!files.isEmpty())
-        session.open(files);
-}
-
-void MainWindow::askForAddress()
-{
-    const QString address = QInputDialog::getText(this, tr("Open address"), tr("Address:"));
-    if (!address.isEmpty())
-        session.open({QUrl::fromUserInput(address)});
-}
-
-void MainWindow::toggleFullScreen()
-{
-    const bool full = !isFullScreen();
-    menuBar()->setVisible(!full);
-    statusBar()->setVisible(!full);
-    if (full) {
-        docksOfWindow = saveState();
-        for (QDockWidget *dock : findChildren<QDockWidget *>())
-            dock->hide();
-        showFullScreen();
-    } else {
-        restoreState(docksOfWindow);
-        showNormal();
-    }
+    menu.popup(event->globalPos());
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
@@ -159,8 +138,31 @@ void MainWindow::dropEvent(QDropEvent *event)
     event->acceptProposedAction();
 }
 
+void MainWindow::chooseFiles()
+{
+    const QList<QUrl> files = QFileDialog::getOpenFileUrls(
+        this, tr("Open files"), session.folder(), session.fileFilters().join(QStringLiteral(";;")),
+        nullptr, QFileDialog::HideNameFilterDetails);
+    if (!files.isEmpty())
+        session.open(files);
+}
+
+void MainWindow::chooseFolder()
+{
+    const QUrl folder =
+        QFileDialog::getExistingDirectoryUrl(this, tr("Open folder"), session.folder());
+    if (!folder.isEmpty())
+        session.open({folder});
+}
+
+void MainWindow::askForAddress()
+{
+    session.openTyped(QInputDialog::getText(this, tr("Open address"), tr("Address:")));
+}
+
 QImage MainWindow::picture()
 {
+    repaint();
     const QPixmap fromScreen = screen()->grabWindow(winId());
     return (fromScreen.isNull() ? grab() : fromScreen).toImage();
 }

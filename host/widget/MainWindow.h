@@ -1,61 +1,49 @@
 #ifndef MAINWINDOW_H
 #define MAINWINDOW_H
 
-#include "Session.h"
-#include "VideoArea.h"
+#include "HostProgram.h"
 
-#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QWidget>
 
-class QGridLayout;
+class DeveloperPanel;
+class FilmArea;
+class TransportBar;
 
-/// The widget host's window: the grid of players, the play list and the tools.
-class MainWindow : public QMainWindow
+/// The widget host's window: the film, the bar below it, and two panels beside it. In full screen
+/// the bar lies over the film.
+class MainWindow : public QWidget, public HostWindow
 {
     Q_OBJECT
 
 public:
-    MainWindow(Session &session, const PluginLibrary &library);
-    ~MainWindow() override;
+    explicit MainWindow(Session &session);
 
-    QImage picture(); ///< the window as it is on the screen
+    QImage picture() override;
 
 protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
-    void buildActions();
-    void buildCentre();
-    void buildDocks();
-    QAction *addTo(QMenu *menu, const QString &text, const QList<QKeySequence> &keys,
-                   const std::function<void()> &run);
-    QAction *addCheckable(QMenu *menu, const QString &text, const QKeySequence &key,
-                          const std::function<void(bool)> &run);
-    QWidget *makePlaylist();
-    QWidget *makeRecordView();
-    void chooseFiles();
-    void askForAddress();
-    void addArea(int row);
-    void removeArea(int row);
-    void layOutAreas();
-    void showCurrent();
+    void buildMenu();
+    void showRecent();
+    QWidget *makeList();
+    void layOut();
     void showState();
-    void changeVolume(double by);
-    void toggleFullScreen();
+    void chooseFiles();
+    void chooseFolder();
+    void askForAddress();
 
     Session &session;
-    const PluginLibrary &library;
-    QList<VideoArea *> areas;
-    QByteArray docksOfWindow;
-    QGridLayout *grid = nullptr;
-    QWidget *transport = nullptr;
-    QAction *playAction = nullptr;
-    QAction *stopAction = nullptr;
-    QAction *muteAction = nullptr;
-    QAction *shownAction = nullptr;
-    QAction *controlAction = nullptr;
-    QAction *previousAction = nullptr;
-    QAction *nextAction = nullptr;
+    QMenu menu;
+    QMenu *recent = nullptr;
+    FilmArea *area;
+    TransportBar *bar;
+    QWidget *list;
+    DeveloperPanel *developer;
 };
 
 #endif

@@ -1,98 +1,111 @@
 #include "TransportBar.h"
 
-#include <QtCore/QTime>
-#include <QtGui/QAction>
+#include "Commands.h"
+#include "Look.h"
+
+#include <QtGui/QWheelEvent>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QStyle>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QToolButton>
 
-#include <cmath>
-
-static QSlider *makeSlider(int maximum)
+TransportBar::TransportBar(Session &theSession, std::function<void(QPoint)> theShowMenu)
+    : session(theSession)
+    , showMenu(std::move(theShowMenu))
+    , seekBar(new Bar([this](double part) { return session.timeAt(part); }))
+    , volumeBar(
+          new Bar([this](double part) { return session.volumeAt(part); }, session.fullVolume()))
+    , times(new QLabel)
+    , title(new QLabel)
 {
-    auto *slider = new QSlider(Qt::Horizontal);
-    slider->setRange(0, maximum);
-    slider->setFocusPolicy(Qt::NoFocus); // the arrow keys seek and change the volume
-    return slider;
+    setAutoFillBackground(true);
+    seekBar->setObjectName(QStringLiteral("seekBar"));
+    volumeBar->setObjectName(QStringLiteral("volumeBar"));
+    volumeBar->setFixedWidth(110);
+    title->setMinimumWidth(0);
+    title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    title->setTextFormat(Qt::PlainText);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(8, 6, 8, 6);
+    column->setSpacing(2);
+    column->addWidget(seekBar);
+    auto *row = new QHBoxLayout;
+    row->setSpacing(2);
+    column->addLayout(row);
+    for (const char *name : {"previous", "play", "next"})
+        row->addWidget(makeButton(name));
+    row->addWidget(times);
+    row->addSpacing(8);
+    row->addWidget(title, 1);
+    row->addWidget(makeButton("mute"));
+    row->addWidget(volumeBar);
+    for (const char *name : {"list", "fullscreen"})
+        row->addWidget(makeButton(name));
+    row->addWidget(makeMenuButton());
+
+    connect(seekBar, &Bar::moved, &session, &Session::seekTo);
+    connect(volumeBar, &Bar::moved, &session, &Session::setVolume);
+    connect(&session, &Session::timesChanged, this, &TransportBar::showTimes);
+    connect(&session, &Session::mediaChanged, this, &TransportBar::showTitle);
+    connect(&session, &Session::volumeChanged, this, &TransportBar::showVolume);
+    showTimes();
+    showVolume();
 }
 
-static QToolButton *makeButton(QAction *action)
+QWidget *TransportBar::makeButton(const char *command)
 {
+    Command *action = session.commands()->named(QLatin1String(command));
     auto *button = new QToolButton;
     button->setDefaultAction(action);
     button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::NoFocus);
+    button->setIconSize({20, 20});
+    button->setFocusPolicy(Qt::NoFocus); // the keys belong to the commands
+    const auto describe = [button, action] { button->setToolTip(action->label()); };
+    connect(action, &QAction::changed, button, describe);
+    describe();
     return button;
 }
 
-TransportBar::TransportBar(Session &theSession, const QList<QAction *> &buttons, QAction *mute)
-    : session(theSession)
-    , seekSlider(makeSlider(0))
-    , volumeSlider(makeSlider(100))
-    , times(new QLabel)
-    , muteAction(mute)
+QWidget *TransportBar::makeMenuButton()
 {
-    auto *row = new QHBoxLayout(this);
-    for (QAction *action : buttons)
-        row->addWidget(makeButton(action));
-    row->addWidget(seekSlider, 4);
-    row->addWidget(times);
-    row->addWidget(makeButton(mute));
-    row->addWidget(volumeSlider, 1);
-
-    connect(seekSlider, &QSlider::sliderMoved, this, &TransportBar::seekToSlider);
-    connect(seekSlider, &QSlider::actionTriggered, this, &TransportBar::seekToSlider);
-    connect(volumeSlider, &QSlider::valueChanged, this, [this](int percent) {
-        if (session.player() && std::lround(session.player()->volume() * 100) != percent)
-            session.player()->setVolume(percent / 100.0);
-    });
-    connect(&session, &Session::currentChanged, this, &TransportBar::followPlayer);
-    followPlayer();
+    auto *button = new QToolButton;
+    button->setIcon(look::icon(QStringLiteral("menu")));
+    button->setIconSize({20, 20});
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setToolTip(tr("Menu"));
+    connect(button, &QToolButton::clicked, this,
+            [this, button] { showMenu(button->mapToGlobal(QPoint())); });
+    return button;
 }
 
-void TransportBar::followPlayer()
+void TransportBar::showTimes()
 {
-    if (!session.player())
-        return;
-    connect(session.player(), &Player::published, this, &TransportBar::showPosition,
-            Qt::UniqueConnection);
-    connect(session.player(), &Player::settingsChanged, this, &TransportBar::showSettings,
-            Qt::UniqueConnection);
-    showPosition();
-    showSettings();
+    times->setText(session.times());
+    seekBar->setEnabled(session.player()->isSeekable());
+    seekBar->setValue(session.place());
 }
 
-void TransportBar::showPosition()
+void TransportBar::showVolume()
 {
-    const Player *player = session.player();
-    if (!player)
-        return;
-    seekSlider->setMaximum(int(player->duration() * 1000));
-    if (!seekSlider->isSliderDown())
-        seekSlider->setValue(int(player->position() * 1000));
-    times->setText(clockText(player->position()) + QStringLiteral(" / ")
-                   + clockText(player->duration()));
+    volumeBar->setValue(session.volume());
 }
 
-void TransportBar::showSettings()
+void TransportBar::showTitle()
 {
-    if (!session.player())
-        return;
-    volumeSlider->setValue(int(std::lround(session.player()->volume() * 100)));
-    const bool muted = session.player()->isMuted();
-    muteAction->setChecked(muted);
-    muteAction->setIcon(
-        style()->standardIcon(muted ? QStyle::SP_MediaVolumeMuted : QStyle::SP_MediaVolume));
+    title->setToolTip(session.caption());
+    title->setText(
+        title->fontMetrics().elidedText(session.caption(), Qt::ElideRight, title->width()));
 }
 
-void TransportBar::seekToSlider()
+void TransportBar::resizeEvent(QResizeEvent *)
 {
-    if (session.player())
-        session.player()->seek(seekSlider->sliderPosition() / 1000.0);
+    constexpr int narrow = 520;
+    volumeBar->setVisible(width() >= narrow);
+    showTitle();
 }
 
-QString clockText(double seconds)
+void TransportBar::wheelEvent(QWheelEvent *event)
 {
-    const QTime time = QTime(0, 0).addMSecs(int(seconds * 1000));
-    return time.toString(time.hour() > 0 ? QStringLiteral("h:mm:ss") : QStringLiteral("m:ss"));
+    session.changeVolume(event->angleDelta().y() > 0 ? 1 : -1);
 }

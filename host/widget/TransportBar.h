@@ -1,35 +1,36 @@
 #ifndef TRANSPORTBAR_H
 #define TRANSPORTBAR_H
 
+#include "Bar.h"
 #include "Session.h"
 
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QSlider>
-#include <QtWidgets/QWidget>
+class QLabel;
 
-class QAction;
-
-/// Buttons, the seek slider with its times, and the volume of the current player.
+/// The seek bar, and below it the buttons, times, title and volume. Leaves out what has no room.
 class TransportBar : public QWidget
 {
     Q_OBJECT
 
 public:
-    TransportBar(Session &session, const QList<QAction *> &buttons, QAction *mute);
+    TransportBar(Session &session, std::function<void(QPoint)> showMenu);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
 
 private:
-    void followPlayer();
-    void showPosition();
-    void showSettings();
-    void seekToSlider();
+    QWidget *makeButton(const char *command);
+    QWidget *makeMenuButton();
+    void showTimes();
+    void showVolume();
+    void showTitle();
 
     Session &session;
-    QSlider *seekSlider;
-    QSlider *volumeSlider;
+    std::function<void(QPoint)> showMenu;
+    Bar *seekBar;
+    Bar *volumeBar;
     QLabel *times;
-    QAction *muteAction;
+    QLabel *title;
 };
-
-QString clockText(double seconds); ///< "1:23" or "1:02:03"
 
 #endif

@@ -2,7 +2,7 @@
 #define PLAYER_H
 
 #include "BasicWidget.h"
-#include "MediaPlayerParams.h"
+#include "RecordField.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
@@ -10,18 +10,11 @@
 #include <QtCore/QRect>
 #include <QtCore/QTimer>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 
-/// Reads a field that the plug-in may be writing on a thread of its own.
-template <typename T>
-T readShared(T &field)
-{
-    return std::atomic_ref<T>(field).load(std::memory_order_relaxed);
-}
-
-/// One media player of the plug-in as a Qt object.
+/// One media player of the plug-in as a Qt object, straight on its record: for scripts and for the
+/// endurance run, which must be able to do what the client library keeps its users from.
 ///
 /// It owns the record, sends one command at a time, polls what the plug-in publishes, and makes,
 /// hides and destroys the native control. It knows nothing of windows and items: whoever has a
@@ -30,24 +23,6 @@ T readShared(T &field)
 class Player : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QString uri READ uri NOTIFY uriChanged)
-    Q_PROPERTY(int state READ state NOTIFY published)
-    Q_PROPERTY(bool playing READ isPlaying NOTIFY published)
-    Q_PROPERTY(double position READ position NOTIFY published)
-    Q_PROPERTY(double duration READ duration NOTIFY published)
-    Q_PROPERTY(bool failed READ hasFailed NOTIFY published)
-    Q_PROPERTY(bool attached READ isAttached NOTIFY published)
-    Q_PROPERTY(bool hasControl READ hasControl NOTIFY controlChanged)
-    Q_PROPERTY(bool shown READ isShown WRITE showControl NOTIFY controlChanged)
-    Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY settingsChanged)
-    Q_PROPERTY(bool muted READ isMuted WRITE setMuted NOTIFY settingsChanged)
-    Q_PROPERTY(double opacity READ opacity WRITE setOpacity NOTIFY settingsChanged)
-    Q_PROPERTY(bool keepAspect READ keepsAspect WRITE setKeepAspect NOTIFY settingsChanged)
-    Q_PROPERTY(int flips READ flips NOTIFY settingsChanged)
-    Q_PROPERTY(int angle READ angle NOTIFY settingsChanged)
-    Q_PROPERTY(QList<int> crop READ crop NOTIFY settingsChanged)
-    Q_PROPERTY(bool pauseOnHide READ pausesOnHide WRITE setPauseOnHide NOTIFY settingsChanged)
-    Q_PROPERTY(bool resumeOnShow READ resumesOnShow WRITE setResumeOnShow NOTIFY settingsChanged)
 
 public:
     /// Makes a control where the host wants the picture, or returns null.
@@ -61,8 +36,8 @@ public:
 
     // The control. Without a factory nothing is created.
     void setControlFactory(ControlFactory factory);
-    Q_INVOKABLE void createControl();
-    Q_INVOKABLE void destroyControl();
+    void createControl();
+    void destroyControl();
     void showControl(bool show);
     void moveControl(const QRect &place);
     bool hasControl() const { return !control.isNull(); }
@@ -74,14 +49,14 @@ public:
     void end();
 
     // Commands. A command waits until the one before it is answered.
-    Q_INVOKABLE bool load(const QString &uri); ///< false and refused() if it is too long
-    Q_INVOKABLE void loadAndPlay(const QString &uri); ///< plays when the first frame is there
-    Q_INVOKABLE void play() { setPlayState(MediaPlayerStatePlaying); }
-    Q_INVOKABLE void pause() { setPlayState(MediaPlayerStatePaused); }
-    Q_INVOKABLE void stop() { setPlayState(MediaPlayerStateNull); } ///< to a paused start
-    Q_INVOKABLE void seek(double seconds);
-    Q_INVOKABLE void setTransform(int flips, int angle); ///< MediaPlayerFlip bits; degrees
-    Q_INVOKABLE void setCrop(int left, int top, int right, int bottom);
+    bool load(const QString &uri); ///< false and refused() if it is too long
+    void loadAndPlay(const QString &uri); ///< plays when the first frame is there
+    void play() { setPlayState(MediaPlayerStatePlaying); }
+    void pause() { setPlayState(MediaPlayerStatePaused); }
+    void stop() { setPlayState(MediaPlayerStateNull); } ///< to a paused start
+    void seek(double seconds);
+    void setTransform(int flips, int angle); ///< MediaPlayerFlip bits; degrees
+    void setCrop(int left, int top, int right, int bottom);
     void setVolume(double linear);
     void setMuted(bool muted);
     void setOpacity(double opacity);

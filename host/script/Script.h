@@ -1,7 +1,7 @@
 #ifndef SCRIPT_H
 #define SCRIPT_H
 
-#include "RecordModel.h"
+#include "RecordField.h"
 
 #include <QtCore/QStringList>
 

@@ -14,9 +14,6 @@ struct PluginLibrary {
 
     /// Loads the library at `path`, for good. Returns what is wrong, or an empty text.
     QString load(const QString &path);
-
-    /// The first that exists of the places where a build and an installation put the library.
-    static QString defaultPath();
 };
 
 /// The switches are read by threads of the plug-in at any time.

@@ -2,27 +2,20 @@
 #define SCRIPTRUNNER_H
 
 #include "Script.h"
-#include "Session.h"
+#include "Stage.h"
 
 #include <QtCore/QElapsedTimer>
-#include <QtGui/QImage>
 
 #include <functional>
 
-/// Runs a script on a session, line by line. A line that gives a command waits for its answer; a
+/// Runs a script on a stage, line by line. A line that gives a command waits for its answer; a
 /// line that waits for something fails when it does not come in time.
 class ScriptRunner : public QObject
 {
     Q_OBJECT
 
 public:
-    using Resize = std::function<void(QSize)>;
-    using Grab = std::function<QImage()>;
-
-    ScriptRunner(Session &session, Script script);
-
-    /// The host's window: how to size it, and how to take a picture of it as a user sees it.
-    void setWindow(Resize resize, Grab grab);
+    ScriptRunner(Stage &stage, Script script);
 
     void start();
 
@@ -33,8 +26,8 @@ Q_SIGNALS:
 public:
     // For the commands.
 
-    Session &session;
-    Player &player() { return *session.player(); }
+    Stage &stage;
+    Player &player() { return *stage.player(); }
     double seconds(const QString &time); ///< "2.5", or "50%" of the duration
 
     /// The next line waits until `holds`, at most `seconds`; 0 stands for ten seconds more than
@@ -46,7 +39,6 @@ public:
     void fail(const QString &why);
     void report(const QString &label);
     void takePicture(const QString &file);
-    void resizeWindow(QSize size) { resize(size); }
     void end();
 
 private:
@@ -61,8 +53,6 @@ private:
     void checkWaiting();
 
     Script script;
-    Resize resize;
-    Grab grab;
     QTimer ticks;
     QElapsedTimer elapsed;
     std::optional<Waiting> waiting;

@@ -19,12 +19,12 @@ static void load(ScriptRunner &run, const QStringList &a)
     if (run.player().load(uriOf(a[0])))
         run.waitForAnswer();
     else
-        run.fail(run.session.message());
+        run.fail(run.stage.refusal());
 }
 
 static void openMedia(ScriptRunner &run, const QStringList &a)
 {
-    run.session.open({QUrl(uriOf(a[0]))});
+    run.stage.open(uriOf(a[0]));
     run.waitForAnswer();
 }
 
@@ -47,27 +47,24 @@ static void expect(ScriptRunner &run, const QStringList &a)
 
 static void selectPlayer(ScriptRunner &run, const QStringList &a)
 {
-    run.session.setCurrent(number(a[0]) - 1);
-    if (run.session.current() != number(a[0]) - 1)
+    run.stage.setCurrent(number(a[0]) - 1);
+    if (run.stage.current() != number(a[0]) - 1)
         run.fail(QStringLiteral("there is no such player"));
 }
 
 static void addPlayer(ScriptRunner &run, const QStringList &)
 {
-    run.session.addPlayer();
+    run.stage.addPlayer();
     run.waitFor(QStringLiteral("the new player"), [&run] { return run.player().isAlive(); });
 }
 
 static void removePlayer(ScriptRunner &run, const QStringList &)
 {
-    QAbstractItemModel *players = run.session.playersModel();
-    const int before = players->rowCount();
-    if (before == 1)
+    if (run.stage.count() == 1)
         return run.fail(QStringLiteral("the last player stays"));
     const QPointer<Player> leaving = &run.player();
-    run.session.removePlayer();
-    run.waitFor(QStringLiteral("the end of the player"),
-                [leaving, players, before] { return !leaving && players->rowCount() < before; });
+    run.stage.removePlayer();
+    run.waitFor(QStringLiteral("the end of the player"), [leaving] { return !leaving; });
 }
 
 static void printFields(ScriptRunner &run, const QStringList &)
@@ -101,7 +98,7 @@ std::span<const ScriptCommand> ScriptCommand::all()
         {"load", "URI", "loads a media address, or a file by its path", load},
         {"open", "URI", "appends it to the play list and plays it, as a user does", openMedia},
         {"entry", "NUMBER", "plays that entry of the play list; the first is 1",
-         [](Run r, Args a) { r.session.playEntry(number(a[0]) - 1); }},
+         [](Run r, Args a) { r.stage.playEntry(number(a[0]) - 1); }},
         {"play", "", "plays", command<&Player::play>},
         {"pause", "", "pauses", command<&Player::pause>},
         {"stop", "", "goes back to a paused start", command<&Player::stop>},
@@ -165,12 +162,12 @@ std::span<const ScriptCommand> ScriptCommand::all()
          [](Run r, Args a) { r.takePicture(a[0]); }},
         {"size", "NUMBER NUMBER", "width and height of the window",
          [](Run r, Args a) {
-             r.resizeWindow({number(a[0]), number(a[1])});
+             r.stage.resize({number(a[0]), number(a[1])});
          }},
         {"trace", "ON", "trace lines of the library on standard output",
-         [](Run r, Args a) { r.session.setTrace(isOn(a)); }},
+         [](Run r, Args a) { r.stage.setTrace(isOn(a)); }},
         {"workaround", "ON", "a player of a widget host outlives its control",
-         [](Run r, Args a) { r.session.setWorkaround(isOn(a)); }},
+         [](Run r, Args a) { r.stage.setWorkaround(isOn(a)); }},
         {"quit", "", "ends the script here", [](Run r, Args) { r.end(); }},
     };
     return commands;

@@ -7,16 +7,10 @@ using namespace std::chrono_literals;
 constexpr auto tickInterval = 20ms;
 constexpr double patience = 10; // seconds
 
-ScriptRunner::ScriptRunner(Session &theSession, Script theScript)
-    : session(theSession), script(std::move(theScript))
+ScriptRunner::ScriptRunner(Stage &theStage, Script theScript)
+    : stage(theStage), script(std::move(theScript))
 {
     connect(&ticks, &QTimer::timeout, this, &ScriptRunner::advance);
-}
-
-void ScriptRunner::setWindow(Resize theResize, Grab theGrab)
-{
-    resize = std::move(theResize);
-    grab = std::move(theGrab);
 }
 
 void ScriptRunner::start()
@@ -57,7 +51,7 @@ void ScriptRunner::waitFor(const QString &what, std::function<bool()> holds, dou
                            std::function<QString()> found)
 {
     const double limit =
-        seconds > 0 ? seconds : patience + (session.player() ? player().duration() : 0);
+        seconds > 0 ? seconds : patience + (stage.player() ? player().duration() : 0);
     waiting = Waiting {what, std::move(holds), std::move(found), limit};
     elapsed.start();
 }
@@ -98,17 +92,9 @@ double ScriptRunner::seconds(const QString &time)
 
 void ScriptRunner::report(const QString &label)
 {
-    if (!std::exchange(headerPrinted, true)) {
-        std::printf("%-16s %-14s %4s %5s  %-8s %10s %10s\n", "step", "command", "done", "error",
-                    "state", "position", "duration");
-    }
-    const auto text = [this](const char *field) {
-        return RecordField::named(QLatin1String(field))->text(player().fields()).toLatin1();
-    };
-    std::printf("%-16s %-14s %4s %5s  %-8s %10s %10s\n", qPrintable(label),
-                text("command").constData(), text("done").constData(), text("error").constData(),
-                text("state").constData(), text("position").constData(),
-                text("duration").constData());
+    if (!std::exchange(headerPrinted, true))
+        std::printf("%s\n", qPrintable(reportHeader()));
+    std::printf("%s\n", qPrintable(reportLine(label, player().fields())));
     std::fflush(stdout);
 }
 
@@ -123,7 +109,7 @@ void ScriptRunner::takePicture(const QString &file)
         if (*looks < 2)
             return false;
         counter->deleteLater();
-        const QImage image = grab();
+        const QImage image = stage.picture();
         if (image.isNull() || !image.save(file))
             fail(QStringLiteral("the picture could not be written to %1").arg(file));
         else

@@ -1,7 +1,5 @@
 #include "PluginLibrary.h"
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLibrary>
 
@@ -45,20 +43,6 @@ QString PluginLibrary::load(const QString &path)
             return problem;
     }
     return {};
-}
-
-QString PluginLibrary::defaultPath()
-{
-    const QDir programs(QCoreApplication::applicationDirPath());
-    QString name = QStringLiteral("libMediaPlayer.so");
-    const QString candidates[] = {
-        programs.filePath(name), programs.filePath(QStringLiteral("../") + name),
-        programs.filePath(QStringLiteral("../" MEDIAPLAYER_PLUGIN_DIR "/") + name)};
-    for (const QString &candidate : candidates) {
-        if (QFileInfo::exists(candidate))
-            return QDir::cleanPath(candidate);
-    }
-    return name; // the loader's own search path
 }
 
 bool readSwitch(unsigned char *theSwitch)

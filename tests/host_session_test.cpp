@@ -1,0 +1,104 @@
+// What both example hosts share: what is opened, how the list goes on, and what is remembered.
+
+#include "../host/mediaFiles.h" // the tests have another
+#include "Session.h"
+
+#include <MediaPlayer/Plugin.h>
+
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QGuiApplication>
+#include <QtTest/QtTest>
+
+constexpr int patience = 20'000;
+
+class HostSessionTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
+    }
+    void opensFoldersAndLists();
+    void goesOnAfterWhatCannotBePlayed();
+    void goesOnWhereItWasLeft();
+
+private:
+    QTemporaryDir folder;
+    const QUrl tone =
+        QUrl::fromLocalFile(qEnvironmentVariable("MEDIA_DIR") + QStringLiteral("/tone.flac"));
+    const QUrl missing = QUrl::fromLocalFile(QStringLiteral("/nowhere/first.webm"));
+};
+
+void HostSessionTest::opensFoldersAndLists()
+{
+    QDir(folder.path()).mkpath(QStringLiteral("films/2"));
+    const auto write = [this](const char *name, const QByteArray &text) {
+        QFile file(folder.filePath(QLatin1String(name)));
+        QVERIFY(file.open(QFile::WriteOnly) && file.write(text) == text.size());
+    };
+    for (const char *name : {"films/10.mp4", "films/3.FLAC", "films/2/a.webm", "films/notes.txt"})
+        write(name, "x");
+    write("films/all.m3u", "#EXTM3U\r\n#EXTINF:1,Ten\r\n10.mp4\r\nhttp://host/film.ts?a=b\r\n");
+
+    const auto names = [](const QList<QUrl> &urls) {
+        QStringList list;
+        for (const QUrl &url : mediaAt(urls))
+            list.append(nameOf(url));
+        return list.join(QLatin1Char(' '));
+    };
+    const auto at = [this](const char *name) {
+        return QUrl::fromLocalFile(folder.filePath(QLatin1String(name)));
+    };
+    QCOMPARE(names({at("films")}), QStringLiteral("a.webm 3.FLAC 10.mp4"));
+    QCOMPARE(names({at("films/all.m3u"), at("no.ogg")}), QStringLiteral("10.mp4 film.ts no.ogg"));
+    QCOMPARE(mediaAt({at("films/all.m3u")}).value(0), at("films/10.mp4"));
+}
+
+void HostSessionTest::goesOnAfterWhatCannotBePlayed()
+{
+    Session session;
+    session.open({missing, tone});
+    const PlayList &list = *session.list();
+    QTRY_COMPARE_WITH_TIMEOUT(list.current(), 1, patience);
+    QVERIFY(!list.index(0).data(PlayList::Problem).toString().isEmpty());
+    QVERIFY(session.warns() && session.notice().contains(QLatin1String("first.webm")));
+    QTRY_VERIFY_WITH_TIMEOUT(session.player()->position() > 0, patience);
+    QVERIFY(list.index(1).data(PlayList::Problem).toString().isEmpty());
+
+    session.playRow(0); // and nothing plays under its name
+    QCOMPARE(session.player()->source(), missing);
+    QCOMPARE(session.player()->position(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(list.current(), 1, patience);
+}
+
+void HostSessionTest::goesOnWhereItWasLeft()
+{
+    {
+        Session session;
+        session.open({tone});
+        QTRY_VERIFY_WITH_TIMEOUT(session.player()->isSeekable(), patience);
+        session.seekTo(0.5);
+        session.setVolume(0.75);
+        QTRY_VERIFY_WITH_TIMEOUT(readShared(session.player()->record().position) > 4'000'000'000,
+                                 patience);
+    }
+    Session session;
+    QCOMPARE(session.volume(), 0.75);
+    QCOMPARE(session.recent().value(0), QStringLiteral("tone.flac"));
+    session.openRecent(0);
+    QTRY_VERIFY_WITH_TIMEOUT(session.player()->isSeekable(), patience);
+    QVERIFY(session.player()->position() > 4000);
+    QVERIFY(!session.notice().isEmpty());
+}
+
+int main(int argc, char **argv)
+{
+    QGuiApplication app(argc, argv);
+    MediaPlayer::setPluginPath(QStringLiteral(PLUGIN));
+    HostSessionTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "host_session_test.moc"
