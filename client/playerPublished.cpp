@@ -97,6 +97,7 @@ void PlayerPrivate::end()
     m_fallenLooks = 0;
     m_place = 0;
     m_sentState = MediaPlayerStatePaused;
+    m_seen.position = Published::unknown; // it is of the round that is over
     link.awaitPosition();
     ++m_timesPlayed;
     if (loops == Player::Infinite || m_timesPlayed < loops)

@@ -79,9 +79,8 @@ void tellOfServer(const Overheard &overheard, GstMessage *message)
     const bool lists = type && (std::strstr(type, "mpegurl") || std::strstr(type, "dash"));
     const bool takesRanges =
         lists || status == 206 || (ranges && g_ascii_strcasecmp(ranges, "none") != 0);
-    overheard.relay->change(overheard.media, [&](QVariantMap &) {
-        overheard.relay->supply.takesRanges = takesRanges;
-    });
+    overheard.relay->change(
+        overheard.media, [&](QVariantMap &) { overheard.relay->supply.takesRanges = takesRanges; });
 }
 
 void tellOfSupply(const Overheard &overheard, GstMessage *message)

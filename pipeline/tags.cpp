@@ -142,7 +142,7 @@ void tellOfTags(Overheard &overheard, GstMessage *message)
     const QVariant orientation = ofVideo ? orientationOf(list, message) : QVariant();
 
     overheard.relay->change(overheard.media, [&](QVariantMap &values) {
-        overheard.said[ofAll ? 2 : int(ofVideo)].insert(said);
+        overheard.said[ofAll ? 2U : std::size_t(ofVideo)].insert(said);
         addTo(values, overheard.said);
         if (orientation.isValid())
             values[QStringLiteral("imageOrientation")] = orientation;

@@ -130,8 +130,9 @@ private Q_SLOTS:
                     ? host.told(name.constData())
                     : host.told("metaData").toMap().value(entry.key());
             };
-            AWAIT_OR_SAY(actual() == entry.value(),
-                         (QDebug::toString(actual()) + QStringLiteral(" of ") + entry.key()).toUtf8());
+            AWAIT_OR_SAY(
+                actual() == entry.value(),
+                (QDebug::toString(actual()) + QStringLiteral(" of ") + entry.key()).toUtf8());
         }
         QVERIFY(errorText(host).isEmpty());
         QVERIFY(!host.told("buffering").isValid() && !host.told("endOfMedia").isValid());
