@@ -5,11 +5,13 @@ fault or meaning has it. The table is tests/mutants.toml; the copies are kept in
 so is what was noticed (noticed.json): a run goes on where the last one ended, as long as a row and
 its file stay as they are. Without that file all of them are met again."""
 
+import atexit
 import concurrent.futures
 import hashlib
 import json
 import os
 import pathlib
+import queue
 import re
 import subprocess
 import sys
@@ -33,6 +35,7 @@ class Copy:
         folder = COPIES / str(number)
         self.source, self.build_folder, self.tmp = (folder / f for f in ("source", "build", "tmp"))
         self.tmp.mkdir(parents=True, exist_ok=True)
+        self.tmp.chmod(0o700)  # it is the runtime folder too
         media = self.tmp / "m"  # a record has room for 80 bytes of URI
         media.unlink(missing_ok=True)
         media.symlink_to(PROJECT / "build/media")
@@ -50,29 +53,36 @@ class Copy:
                         "-DCMAKE_CXX_FLAGS=-O1"], check=True, stdout=subprocess.DEVNULL)
         self.screen = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1280x720x24"],
                                        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        atexit.register(self.screen.terminate)
         self.environment = os.environ | {
             "DISPLAY": ":" + self.screen.stdout.readline().decode().strip(),
             "XDG_RUNTIME_DIR": "/tmp", "MEDIA_DIR": "/tmp/m", "TMPDIR": "/tmp"}
         self.environment.pop("XAUTHORITY", None)
+        self.build(*TESTS)
 
     def build(self, *tests):
-        return subprocess.run(["cmake", "--build", self.build_folder, "--target"]
-                              + [f"{test}_test" for test in tests],
-                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+        ran = subprocess.run(["cmake", "--build", self.build_folder, "-j1", "--target"]
+                             + [f"{test}_test" for test in tests],
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        if ran.returncode != 0:
+            raise SystemExit(ran.stdout.decode(errors="replace")[-4000:])
 
     def complaint(self, test, seconds):
         """What a test says against the copy, None for nothing. Runs it as CTest does, where the
         copy's scene files are the installed ones."""
-        command = ('mount --bind "$0/qml" /opt/VexadorControl && mount --bind "$4" /tmp && exec'
-                   ' ctest --test-dir "$1" --output-on-failure --timeout "$3" -R "^$2\\$"'
-                   ' --no-tests=error')
-        ran = subprocess.run(["unshare", "-m", "sh", "-c", command, self.source, self.build_folder,
-                              f"{test}_test", str(int(seconds)), self.tmp], env=self.environment,
+        command = ('mount --bind "$0/qml" /opt/VexadorControl && mount --bind "$1" /tmp && exec'
+                   ' ctest --test-dir "$2" --output-on-failure --no-tests=error -R "^$3\\$"')
+        ran = subprocess.run(["timeout", f"{seconds:.0f}", "unshare", "-m", "-p", "--fork",
+                              "--kill-child", "--mount-proc", "sh", "-c", command, self.source,
+                              self.tmp, self.build_folder, f"{test}_test"], env=self.environment,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if ran.returncode == 0:
             return None
+        if ran.returncode == 124:
+            return f"not over in {seconds:.0f} s"
         said = ran.stdout.decode(errors="replace")
-        found = re.search(r"^FAIL! *: (.*)|^(Unknown message.*)|\*\*\*(\w.*?) +\d", said, re.M)
+        found = (re.search(r"^(?:FAIL!|QFATAL) *: (.*)|^(Unknown message.*)", said, re.M)
+                 or re.search(r"\*\*\*(.*?) +[\d.]+ sec", said))
         return next(filter(None, found.groups())) if found else said[-200:]
 
     def meet(self, row, limits):
@@ -83,8 +93,7 @@ class Copy:
             path.write_text(whole.replace(row["before"], row["after"]))
             named = row.get("tests", [])
             for test in named + [name for name in limits if name not in named]:
-                if not self.build(test):
-                    raise RuntimeError(f"{row['after']} in {row['file']} does not build")
+                self.build(test)
                 said = self.complaint(test, limits[test])
                 if said:
                     return test, said
@@ -97,25 +106,67 @@ def key(what, *parts):
     return what + " " + hashlib.sha256("\0".join(parts).encode()).hexdigest()[:16]
 
 
-def row_key(row):
-    return key(row["file"], row["before"], row["after"], (PROJECT / row["file"]).read_text())
+class Memory(dict):
+    """What earlier runs have found: who notices a row, and how long a test takes without a fault."""
+
+    def __init__(self):
+        super().__init__(json.loads(NOTICED.read_text()) if NOTICED.is_file() else {})
+        self.lock = threading.Lock()
+
+    def note(self, what, value):
+        with self.lock:
+            self[what] = value
+            NOTICED.write_text(json.dumps(self, indent=1))
 
 
-def measure(copy, remember, noticed):
-    """How long each test may take with a fault, which may hang it. One that fails without a fault
-    would notice nothing."""
-    limits = {}
-    for test in TESTS:
-        test_key = key(test, (PROJECT / f"tests/{test}_test.cpp").read_text())
-        if test_key not in noticed:
+def share(copies, function, jobs):
+    """function(copy, job) of all jobs, each in the copy that is free."""
+    free = queue.SimpleQueue()
+    for copy in copies:
+        free.put(copy)
+
+    def one(job):
+        copy = free.get()
+        try:
+            return function(copy, job)
+        finally:
+            free.put(copy)
+
+    with concurrent.futures.ThreadPoolExecutor(len(copies)) as pool:
+        return list(pool.map(one, jobs))
+
+
+def meet_all(rows, memory):
+    """The rows that no test notices."""
+    with concurrent.futures.ThreadPoolExecutor(2) as pool:
+        copies = list(pool.map(Copy, range(2)))
+
+    def limit(copy, test):
+        """How long a test may take with a fault, which may hang it. One that fails without a fault
+        would notice nothing."""
+        test_key = key(test, (copy.source / f"tests/{test}_test.cpp").read_text())
+        if test_key not in memory:
             began = time.monotonic()
             said = copy.complaint(test, 900)
             if said:
-                raise RuntimeError(f"{test}_test fails without any fault: {said}")
-            remember(test_key, round(time.monotonic() - began, 1))
-            print(f"{test}_test: {noticed[test_key]} s without a fault", flush=True)
-        limits[test] = 30 + 3 * noticed[test_key]
-    return limits
+                raise SystemExit(f"{test}_test fails without any fault: {said}")
+            memory.note(test_key, round(time.monotonic() - began, 1))
+            print(f"{test}_test takes {memory[test_key]} s without a fault", flush=True)
+        return 30 + 3 * memory[test_key]
+
+    def meet(copy, row):
+        found = copy.meet(row, limits)
+        if found:
+            memory.note(row_key(row), found)
+        print(f"{row['file']}: {row['fault']}: {': '.join(found or ['SURVIVES'])}", flush=True)
+        return not found
+
+    limits = dict(zip(TESTS, share(copies, limit, TESTS)))
+    return [row for row, survives in zip(rows, share(copies, meet, rows)) if survives]
+
+
+def row_key(row):
+    return key(row["file"], row["before"], row["after"], (PROJECT / row["file"]).read_text())
 
 
 def main():
@@ -125,46 +176,9 @@ def main():
     for row in rows:
         if (PROJECT / row["file"]).read_text().count(row["before"]) != 1:
             sys.exit(f"{row['file']} does not hold once: {row['before']}")
-    noticed = json.loads(NOTICED.read_text()) if NOTICED.is_file() else {}
-    left = [row for row in rows if row_key(row) not in noticed]
-    survivors = []
-    lock = threading.Lock()
-    limits = concurrent.futures.Future()
-
-    def remember(what, value):
-        with lock:
-            noticed[what] = value
-            NOTICED.write_text(json.dumps(noticed, indent=1))
-
-    def work(number):
-        copy = Copy(number)
-        try:
-            if not copy.build(*TESTS):
-                raise RuntimeError("the project does not build")
-            if number == 0:
-                limits.set_result(measure(copy, remember, noticed))
-            while left:
-                row = left.pop(0)
-                found = copy.meet(row, limits.result())
-                if found:
-                    remember(row_key(row), found)
-                else:
-                    survivors.append(row)
-                print(f"{row['file']}: {row['fault']}: {': '.join(found or ['SURVIVES'])}",
-                      flush=True)
-        except RuntimeError as error:
-            left.clear()
-            print(error)
-            limits.cancel()
-            os._exit(2)
-        finally:
-            copy.screen.terminate()
-
-    workers = [threading.Thread(target=work, args=[number]) for number in range(min(2, len(left)))]
-    for worker in workers:
-        worker.start()
-    for worker in workers:
-        worker.join()
+    memory = Memory()
+    left = [row for row in rows if row_key(row) not in memory]
+    survivors = meet_all(left, memory) if left else []
     for row in survivors:
         print(f"Survivor: {row['file']}: {row['before'].strip()} -> {row['after'].strip()}:"
               f" {row['fault']}" + (f" (not worth a test: {row['why']})" if "why" in row else ""))

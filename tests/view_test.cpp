@@ -1,5 +1,4 @@
 #include "tests/fixture.h"
-#include "update/cThread.h"
 
 #include <QtQuick/QQuickWindow>
 
@@ -39,14 +38,6 @@ private Q_SLOTS:
             view.pipeline = gst_parse_launch(elements, nullptr);
             QVERIFY2(view.gstElementSetState(GST_STATE_PAUSED) == result, elements);
         }
-    }
-
-    void itsThreadKeepsTheProcessName()
-    {
-        const MediaPlayerView view;
-        char name[16];
-        QCOMPARE(pthread_getname_np(view.thread->threadId, name, sizeof name), 0);
-        QCOMPARE(name, "view_test");
     }
 
     void aPlaceIsReadyWhenItCanBeSeen()
