@@ -17,7 +17,9 @@ private Q_SLOTS:
         Host host(kind, {320, 240}, Host::Hidden);
         host.open(media("tone.flac"));
         AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);
-        AWAIT_EQUAL(host.overlay(), loading);
+        QVERIFY(blockForOnePass(host)); // all of its messages have been heard
+        QCoreApplication::processEvents();
+        QCOMPARE(host.overlay(), loading);
         int buffer = 0;
         g_object_get(host.view()->source, "buffer-size", &buffer, nullptr);
         QCOMPARE(buffer, 10 << 20);
