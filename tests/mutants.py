@@ -28,6 +28,10 @@ TESTS = ["reports", "thread", "diagnostics_inspector", "diagnostics_log", "view"
          "quirks", "badMedia", "media", "exit", "lifecycle"]
 
 
+class BuildFailed(Exception):
+    pass
+
+
 class Copy:
     """A copy of the project with a display and a /tmp of its own."""
 
@@ -65,7 +69,7 @@ class Copy:
                              + [f"{test}_test" for test in tests],
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if ran.returncode != 0:
-            raise SystemExit(ran.stdout.decode(errors="replace")[-4000:])
+            raise BuildFailed(ran.stdout.decode(errors="replace")[-4000:])
 
     def complaint(self, test, seconds):
         """The first that a test says against the copy, None for nothing. Runs it as CTest does,
@@ -101,6 +105,8 @@ class Copy:
                 if said:
                     return test, said
             return None
+        except BuildFailed:
+            return "the compiler", "such a row is no fault: it needs another `after`"
         finally:
             path.write_text(whole)
 
