@@ -184,8 +184,12 @@ private Q_SLOTS:
         AWAIT_EQUAL(host.picture(), "MGMW");
         host.record.cropLeft = 120; // now as wide as the window and more
         host.record.cropRight = 280;
+        host.record.cropBottom = 240;
+        host.item->setHeight(120);
         QCOMPARE(host.run(MediaPlayerCommandCrop), complete);
-        AWAIT_EQUAL(host.picture(), "MRMB");
+        AWAIT_EQUAL(host.picture(), "MRMM");
+        host.item->setHeight(240); // keeps the margins
+        AWAIT_EQUAL(host.picture(), "MRMR");
     }
 };
 

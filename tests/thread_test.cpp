@@ -17,12 +17,16 @@ QByteArray nameOf(pid_t thread)
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
-/// The number of the thread, or 0 where it is refused.
+/// The number of the thread, or 0 where it is refused, also where a signal of the host's reaches it.
 pid_t startIdle(cThread &wrapper, char *name)
 {
     static std::atomic<pid_t> thread;
     thread = 0;
     const auto idle = [](void *) -> void * {
+        sigset_t blocked;
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        if (!sigismember(&blocked, SIGALRM))
+            return nullptr;
         for (thread = gettid();;)
             usleep(1000); // a cancellation point
     };
