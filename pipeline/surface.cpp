@@ -55,6 +55,7 @@ void bindVideoItem(MediaPlayerView &view, MediaPlayerView::PipelineCtx &built)
         return;
     QObject::connect(item, SIGNAL(itemInitializedChanged()), &view, SLOT(videoItemReady()),
                      Qt::UniqueConnection);
+    item->setAcceptHoverEvents(false); // Qt 6.4 hovers over disabled items too
     prerollOnceInitialized(view);
     g_object_set(built.videoSink, "widget", item, "force-aspect-ratio", FALSE, nullptr);
     view.quirks.sinkBound(built.videoSink);
