@@ -17,7 +17,7 @@ QByteArray nameOf(pid_t thread)
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
-/// The number of the thread, or 0 where it is refused, also where a signal of the host's reaches it.
+/// The number of the thread; 0 where it is refused, or where a signal of the host reaches it.
 pid_t startIdle(cThread &wrapper, char *name)
 {
     static std::atomic<pid_t> thread;
