@@ -1,6 +1,8 @@
 #ifndef CLIENTFIXTURE_H
 #define CLIENTFIXTURE_H
 
+#include "await.h"
+
 #include <MediaPlayer/MediaPlayerParams.h>
 #include <MediaPlayer/Player.h>
 
@@ -10,15 +12,9 @@
 #include <QtQml/QQmlComponent>
 #include <QtQml/QQmlEngine>
 #include <QtQuick/QQuickItem>
-#include <QtTest/QtTest>
 
 #include <atomic>
 #include <memory>
-
-// Waiting is for an event, and this long at most, also on a slow machine under a sanitizer.
-constexpr int patience = 20'000;
-#define AWAIT(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, patience)
-#define AWAIT_EQUAL(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, patience)
 
 using MediaPlayer::Player;
 

@@ -1,6 +1,7 @@
 #ifndef FIXTURE_H
 #define FIXTURE_H
 
+#include "await.h"
 #include "boundary/AtomicAccess.h"
 #include "boundary/MediaPlayerControl.h"
 #include "boundary/MediaPlayerParams.h"
@@ -8,25 +9,10 @@
 #include "view/MediaPlayerView.h"
 
 #include <QtQuickWidgets/QQuickWidget>
-#include <QtTest/QtTest>
 #include <QtWidgets/QWidget>
 
 #include <functional>
 #include <memory>
-
-// Waiting is for an event, and this long at most, also on a slow machine under a sanitizer.
-constexpr int patience = 7'000;
-#define AWAIT(condition) WITH_PATIENCE(QTRY_VERIFY_WITH_TIMEOUT(condition, patience))
-#define AWAIT_OR_SAY(condition, text)                                                              \
-    WITH_PATIENCE(QTRY_VERIFY2_WITH_TIMEOUT(condition, text, patience))
-#define AWAIT_EQUAL(actual, expected)                                                              \
-    WITH_PATIENCE(QTRY_COMPARE_WITH_TIMEOUT(actual, expected, patience))
-// Qt 6.8's macros put a count of milliseconds into an int.
-#define WITH_PATIENCE(check)                                                                       \
-    do {                                                                                           \
-        _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wconversion\"") check;   \
-        _Pragma("GCC diagnostic pop")                                                              \
-    } while (false)
 
 /// The answers of a command as Host::run() gives them: done, error and busy; 2 is left as it was.
 inline const QByteArray complete = "100";

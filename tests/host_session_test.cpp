@@ -2,14 +2,12 @@
 
 #include "../host/mediaFiles.h" // the tests have another
 #include "Session.h"
+#include "await.h"
 
 #include <MediaPlayer/Plugin.h>
 
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QGuiApplication>
-#include <QtTest/QtTest>
-
-constexpr int patience = 20'000;
 
 class HostSessionTest : public QObject
 {
@@ -61,16 +59,16 @@ void HostSessionTest::goesOnAfterWhatCannotBePlayed()
     Session session;
     session.open({missing, tone});
     const PlayList &list = *session.list();
-    QTRY_COMPARE_WITH_TIMEOUT(list.current(), 1, patience);
+    AWAIT_EQUAL(list.current(), 1);
     QVERIFY(!list.index(0).data(PlayList::Problem).toString().isEmpty());
     QVERIFY(session.warns() && session.notice().contains(QLatin1String("first.webm")));
-    QTRY_VERIFY_WITH_TIMEOUT(session.player()->position() > 0, patience);
+    AWAIT(session.player()->position() > 0);
     QVERIFY(list.index(1).data(PlayList::Problem).toString().isEmpty());
 
     session.playRow(0); // and nothing plays under its name
     QCOMPARE(session.player()->source(), missing);
     QCOMPARE(session.player()->position(), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(list.current(), 1, patience);
+    AWAIT_EQUAL(list.current(), 1);
 }
 
 void HostSessionTest::goesOnWhereItWasLeft()
@@ -78,17 +76,16 @@ void HostSessionTest::goesOnWhereItWasLeft()
     {
         Session session;
         session.open({tone});
-        QTRY_VERIFY_WITH_TIMEOUT(session.player()->isSeekable(), patience);
+        AWAIT(session.player()->isSeekable());
         session.seekTo(0.5);
         session.setVolume(0.75);
-        QTRY_VERIFY_WITH_TIMEOUT(readShared(session.player()->record().position) > 4'000'000'000,
-                                 patience);
+        AWAIT(readShared(session.player()->record().position) > 4'000'000'000);
     }
     Session session;
     QCOMPARE(session.volume(), 0.75);
     QCOMPARE(session.recent().value(0), QStringLiteral("tone.flac"));
     session.openRecent(0);
-    QTRY_VERIFY_WITH_TIMEOUT(session.player()->isSeekable(), patience);
+    AWAIT(session.player()->isSeekable());
     QVERIFY(session.player()->position() > 4000);
     QVERIFY(!session.notice().isEmpty());
 }
