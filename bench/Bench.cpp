@@ -114,6 +114,8 @@ std::unique_ptr<Subject> Stage::addSubject(int index, int count)
     // The plug-in moves the parent of the item it is given to (0, 0), so each has one of its own.
     if (setup.subject == QLatin1String("plugin"))
         return std::make_unique<PluginSubject>(item);
+    if (setup.subject == QLatin1String("client"))
+        return makeClient(item, setup.library);
     if (setup.subject == QLatin1String("bare"))
         return makeBarePipeline(item);
     return makeQtMultimedia(item);

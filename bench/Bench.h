@@ -12,7 +12,7 @@
 
 /// What the command line says.
 struct Setup {
-    QString subject; ///< "plugin", "bare" or "qt"
+    QString subject; ///< "plugin", "client", "bare" or "qt"
     QString library;
     QString media; ///< folder with the files of bench/media
     QString measure;

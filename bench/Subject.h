@@ -23,6 +23,9 @@ public:
 /// The pipeline that the plug-in builds, in the same scene, driven by nothing but these calls.
 std::unique_ptr<Subject> makeBarePipeline(QQuickItem *place);
 
+/// The client library's QML type, as an application uses it.
+std::unique_ptr<Subject> makeClient(QQuickItem *place, const QString &library);
+
 /// QMediaPlayer with a VideoOutput; QT_MEDIA_BACKEND chooses the backend.
 std::unique_ptr<Subject> makeQtMultimedia(QQuickItem *place);
 

@@ -34,8 +34,8 @@ double timeToOpen(Stage &stage, Subject &subject, const QString &kind, int numbe
 
 } // namespace
 
-/// "new": files never opened before; "back": A, B, A, B, ...; "polled": the same, found by the
-/// plug-in's own poll.
+/// "new": files never opened before; "back": A, B, A, B, ...; "polled" and "polled new": the same,
+/// found by the plug-in's own poll.
 QJsonObject measureLoads(Stage &stage)
 {
     const QString kind = QString::number(stage.setup.size);
@@ -43,6 +43,7 @@ QJsonObject measureLoads(Stage &stage)
     QJsonArray fresh;
     QJsonArray back;
     QJsonArray polled;
+    QJsonArray polledNew;
     timeToOpen(stage, *subject, kind, 0); // with the first file comes the start of everything
     for (int i = 1; i <= stage.setup.rounds; ++i)
         fresh.append(timeToOpen(stage, *subject, kind, i));
@@ -52,18 +53,23 @@ QJsonObject measureLoads(Stage &stage)
         back.append(timeToOpen(stage, *subject, kind, (last + i) % 2));
 
     if (auto *plugin = dynamic_cast<PluginSubject *>(subject.get())) {
-        for (int i = 1; i <= stage.setup.rounds; ++i) {
-            const int number = (last + i) % 2;
+        const auto timeToPoll = [&](int number) {
             plugin->writeFileName(stage.file(numbered(kind, number)));
             const auto start = Clock::now();
             plugin->raise(MediaPlayerCommandLoad);
-            polled.append(stage.screen.awaitColour(QPoint(20, 20), colourOf(number), start));
+            const double time = stage.screen.awaitColour(QPoint(20, 20), colourOf(number), start);
             await("an answer", [plugin] { return plugin->isAnswered(); });
-        }
+            return time;
+        };
+        for (int i = 1; i <= stage.setup.rounds; ++i)
+            polled.append(timeToPoll((last + i) % 2));
+        for (int i = 1; i <= stage.setup.rounds; ++i) // the colours go on by turns
+            polledNew.append(timeToPoll(last + stage.setup.rounds + i));
     }
     return {{QStringLiteral("new"), fresh},
             {QStringLiteral("back"), back},
-            {QStringLiteral("polled"), polled}};
+            {QStringLiteral("polled"), polled},
+            {QStringLiteral("polled new"), polledNew}};
 }
 
 /// Where the time of a load goes: for each stage the milliseconds from the question to its end, a

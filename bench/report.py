@@ -10,6 +10,7 @@ matplotlib.use("Agg")
 from matplotlib import pyplot  # noqa: E402, the backend is chosen first
 
 OURS_AND_BARE = OURS, BARE = "plug-in", "bare pipeline"
+CLIENT = "client program"
 QT = ("Qt, GStreamer", "Qt, FFmpeg")
 COUNTS = (1, 2, 4, 8, 16, 32)
 FILES = (1, 10, 100, 300)
@@ -35,7 +36,7 @@ def values_of(results, measure, name, key):
     turns = results.get(measure, {}).get(name, [])
     joined = []
     for turn in turns:
-        value = turn if key is None else turn[key]
+        value = turn if key is None else turn.get(key, [])
         joined += value if isinstance(value, list) else [value]
     return joined
 
@@ -100,7 +101,21 @@ def loads(systems):
     polled = [f"on {system} " + ", ".join(
         f"{median(results, f'loads {size}', OURS, 'polled'):.0f} ms at {size}p"
         for size in (360, 720, 1080)) for system, (_, results) in systems.items()]
-    return f"{table}\n\nBack to a file with the polling delay: {'; '.join(polled)}."
+    return (f"{table}\n\nBack to a file with the polling delay: {'; '.join(polled)}.\n"
+            + "\n".join(client(system, results) for system, (_, results) in systems.items()))
+
+
+def client(system, results):
+    """How much later than with the record, driven by hand and found by the same poll."""
+    later = {f"{what} at {size}p": median(results, f"loads {size}", CLIENT, key)
+             - median(results, f"loads {size}", OURS, by_hand)
+             for what, key, by_hand in (("back", "back", "polled"), ("new", "new", "polled new"))
+             for size in (360, 720, 1080)}
+    if any(map(math.isnan, later.values())):
+        return f"A client program on {system}: not measured."
+    figures = ", ".join(f"{what} {time:+.0f} ms" for what, time in later.items())
+    return (f"A client program on {system}, from source set to first frame, against the record "
+            f"driven by hand: {figures}; goal 50 ms: {verdict(max(later.values()) <= 50)}.")
 
 
 def timeline(_, results):
