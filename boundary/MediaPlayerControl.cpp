@@ -5,6 +5,7 @@
 #include "diagnostics/Trace.h"
 #include "view/MediaPlayerView.h"
 #include "view/liveViews.h"
+#include "view/parking.h"
 #include "view/placement.h"
 #include "view/scene.h"
 
@@ -72,7 +73,7 @@ MediaPlayerControl::~MediaPlayerControl()
     if (view && view->life.control == this)
         view->scheduleDeletion();
     else if (view && isShownBy(*view, quickWidget))
-        view->saveObject();
+        static_cast<void>(park(*view)); // also between command 7 and its answer: the widget goes
 }
 
 // Showing a widget can run the host's code, as in an event filter.
@@ -118,9 +119,10 @@ int MediaPlayerControl::SysNativeControlSetSettings(char *key, void *value)
     if (!key || std::strcmp(key, registerKey) != 0 || !value)
         return 1;
     auto *block = static_cast<MediaPlayerParams *>(value);
+    const QPointer<MediaPlayerControl> self(this);
     if (!takeOverView(block) && !makeView(block))
         return 1;
-    if (!view)
+    if (!self || !view)
         return 1;
     view->bind(this, block);
     connect(view, SIGNAL(destruct()), this, SLOT(onDestruct()));
@@ -129,6 +131,7 @@ int MediaPlayerControl::SysNativeControlSetSettings(char *key, void *value)
     return 1;
 }
 
+// The view may move to another window, and the host's code that hears of it may end this control.
 bool MediaPlayerControl::takeOverView(MediaPlayerParams *block)
 {
     MediaPlayerView *const serving = Record(block).view();

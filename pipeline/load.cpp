@@ -82,6 +82,13 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
     traceLine("MP: found entry in map");
     // A picture that has never been shown cannot take frames before its item can.
     const bool awaitsItem = built.videoSink && !built.prerolled && !view.quirks.isItemInitialized();
+    // A window draws some milliseconds after it has been asked to. Asked now, it draws the first
+    // frame as soon as the wait for it is over. One that the host draws itself may do so in here.
+    const QPointer<MediaPlayerView> self(&view);
+    if (built.videoItem)
+        built.videoItem->update();
+    if (!self)
+        return false;
     const Turn turn(view);
     retireCurrent(view);
     makeCurrent(view, built);
@@ -90,10 +97,6 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
         view.shared.awaitsItem = true;
         view.relay->setHushed(true);
     }
-    // A window draws some milliseconds after it has been asked to. Asked now, it draws the first
-    // frame as soon as the wait for it is over.
-    if (view.videoItem)
-        view.videoItem->update();
     setState(view, GST_STATE_PAUSED);
     view.hideOverlay();
     storeRelease(view.pipelineActive, true);

@@ -16,6 +16,11 @@ constexpr Step loseItem = [](Host &host) { delete host.item; };
 constexpr Step loseView = [](Host &host) { delete host.view(); };
 constexpr Step save = [](Host &host) { host.control->saveObject(); };
 constexpr Step bind = [](Host &host) { host.registerRecord(); };
+constexpr Step bindElsewhere = [](Host &host) {
+    const auto old = std::exchange(host.window, std::make_unique<QQuickWindow>());
+    host.create();
+    host.registerRecord();
+};
 template <int shown>
 constexpr Step show = [](Host &host) { host.control->SysNativeControlShow(shown); };
 template <int command>
@@ -31,6 +36,7 @@ struct Moment {
 constexpr Subject place = [](Host &host) -> QObject * { return host.place(); };
 constexpr Subject frame = [](Host &host) -> QObject * { return host.place()->parentItem(); };
 constexpr Subject video = [](Host &host) -> QObject * { return host.videoItem(); };
+constexpr Subject window = [](Host &host) -> QObject * { return host.window.get(); };
 constexpr Subject view = [](Host &host) -> QObject * { return host.view(); };
 constexpr Subject widget = [](Host &host) -> QObject * {
     return host.widget->findChild<QQuickWidget *>();
@@ -42,6 +48,7 @@ const Moment videoGrows {video, SIGNAL(widthChanged())};
 const Moment videoFades {video, SIGNAL(opacityChanged())};
 const Moment videoTurns {video, SIGNAL(angleChanged())};
 const Moment viewEnds {view, SIGNAL(destruct())};
+const Moment windowLoses {window, nullptr, QEvent::ChildRemoved};
 const Moment widgetShows {widget, nullptr, QEvent::Show};
 const Moment widgetHides {widget, nullptr, QEvent::Hide};
 
@@ -61,6 +68,7 @@ const struct Case {
     {"hidden", Host::Widget, Playing, show<0>, widgetHides, destroyControl},
     {"registered", Host::Quick, Created, bind, childMoves, destroyControl},
     {"registered, widget", Host::Widget, Created, bind, childMoves, destroyControl},
+    {"registered elsewhere", Host::Quick, Parked, bindElsewhere, windowLoses, destroyControl},
     {"restored", Host::Quick, Parked, show<1>, frameMoves, loseWindow},
     {"cropped", Host::Quick, Playing, raise<MediaPlayerCommandCrop>, videoGrows, loseWindow},
     {"faded", Host::Quick, Playing, raise<MediaPlayerCommandOpacity>, videoFades, loseWindow},
@@ -241,16 +249,27 @@ private Q_SLOTS:
         AWAIT_EQUAL(host.widget->findChildren<QQuickWidget *>().size(), 1);
     }
 
+    void theNewestControlKeepsThePlayer_data()
+    {
+        QTest::addColumn<bool>("asksForRebinding");
+        QTest::newRow("as it is") << false;
+        QTest::newRow("after command 7") << true;
+    }
     void theNewestControlKeepsThePlayer()
     {
+        QFETCH(bool, asksForRebinding);
         Host host(Host::Widget);
         openAndPlay(host);
         const QPointer<MediaPlayerView> view = host.view();
         const QPointer<BasicWidget> old = host.control;
+        if (asksForRebinding)
+            host.run(MediaPlayerCommandRebind);
         host.create();
         host.registerRecord();
-        old->SysNativeControlShow(0); // acts on its player, whoever has it now
-        AWAIT_EQUAL(int(host.record.attached), 0);
+        if (!asksForRebinding) {
+            old->SysNativeControlShow(0); // acts on its player, whoever has it now
+            AWAIT_EQUAL(int(host.record.attached), 0);
+        }
         host.control->SysNativeControlShow(1);
         old->SysNativeControlDestroy();
         AWAIT_EQUAL(host.picture(), "RGBW");

@@ -84,11 +84,13 @@ void MediaPlayerView::updateReferences(QWindow *hostWindow, QQuickItem *hostItem
     window = hostWindow;
     parentItem = hostItem;
     context = hostContext;
+    const QPointer<MediaPlayerView> self(this);
     // The view goes with its host's window, so it belongs to the one that shows it now. A widget
-    // host gives no window: the view then stays where it is.
+    // host gives no window: the view then stays where it is. Both windows hear of the move, and the
+    // host's code there may end the view.
     if (hostWindow && hostWindow != parent())
         setParent(hostWindow);
-    if (!params || !rebindPending || !switchedOn(enableWorkaround))
+    if (!self || !params || !rebindPending || !switchedOn(enableWorkaround))
         return;
     const Guard guard(lock);
     storeRelaxed(rebindPending, false);
