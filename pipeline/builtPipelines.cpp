@@ -25,18 +25,19 @@ void retireCurrent(MediaPlayerView &view)
     if (!outgoing)
         return;
     if (setState(view, GST_STATE_READY) != GST_STATE_CHANGE_SUCCESS)
-        gst_element_set_state(outgoing, GST_STATE_NULL);
+        Quirks::changeState(outgoing, view.videoSink, GST_STATE_NULL);
     emptyBus(outgoing);
 }
 
 void makeCurrent(MediaPlayerView &view, const MediaPlayerView::PipelineCtx &built)
 {
     assertGuiThread();
+    const bool fromNetwork = isFromNetwork(built.source);
     const Guard guard(view.lock);
     ++view.shared.generation;
     view.shared.awaitsItem = false;
     view.shared.flushedErrorOf = nullptr;
-    view.relay->follow(built.pipeline, isFromNetwork(built.source));
+    view.relay->follow(built.pipeline, fromNetwork);
     storeRelaxed(view.source, built.source);
     storeRelaxed(view.videoSink, built.videoSink);
     storeRelaxed(view.glUpload, built.glUpload);

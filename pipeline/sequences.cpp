@@ -61,9 +61,12 @@ GstStateChangeReturn setState(MediaPlayerView &view, GstState state, const GiveU
     if (supply.held)
         return GST_STATE_CHANGE_ASYNC; // the update thread has it play when there are data
 
-    if (state == GST_STATE_NULL && holdsError(pipeline)) {
-        const Guard guard(view.lock);
-        view.shared.flushedErrorOf = pipeline;
+    if (state == GST_STATE_NULL) {
+        gst_element_set_state(pipeline, GST_STATE_READY); // ends the threads that may yet post one
+        if (holdsError(pipeline)) {
+            const Guard guard(view.lock);
+            view.shared.flushedErrorOf = pipeline;
+        }
     }
     GstStateChangeReturn result = Quirks::changeState(pipeline, loadRelaxed(view.videoSink), state);
     if (result != GST_STATE_CHANGE_FAILURE)
@@ -78,9 +81,9 @@ GstStateChangeReturn setState(MediaPlayerView &view, GstState state, const GiveU
 bool run(MediaPlayerView &view, std::span<const GstState> states, const GiveUp &giveUp)
 {
     for (const GstState state : states) {
+        setState(view, state, giveUp);
         if (giveUp && giveUp())
             return false;
-        setState(view, state, giveUp);
     }
-    return !(giveUp && giveUp());
+    return true;
 }

@@ -54,7 +54,8 @@ bool isStateToGoTo(GstState state);
 GstStateChangeReturn setState(MediaPlayerView &view, GstState state, const GiveUp &giveUp = {})
     REQUIRES(view.sequence) EXCLUDES(view.lock);
 
-/// Every step in turn, whatever the one before came to; false when it was given up.
+/// Every step in turn, whatever the one before came to; false when it was given up. The first one
+/// is always taken: after an end of stream, media that nothing has moved would not end again.
 bool run(MediaPlayerView &view, std::span<const GstState> states, const GiveUp &giveUp = {})
     REQUIRES(view.sequence) EXCLUDES(view.lock);
 

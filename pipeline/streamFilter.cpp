@@ -1,5 +1,7 @@
 #include "pipeline/streamFilter.h"
 
+#include "pipeline/stateChange.h"
+
 #include <gst/video/video.h>
 
 #include <optional>
@@ -97,7 +99,7 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
     gst_pad_unlink(stream, entryOf(pipeline, chain).get());
     takeFilterOut(pipeline, chain);
     // Once it has had frames, glupload takes none that it would have to treat in another way.
-    if (GST_STATE(first) > GST_STATE_READY)
+    if (recordedState(first).current > GST_STATE_READY)
         gst_element_set_state(first, GST_STATE_READY);
     if (!putFilterIn(pipeline, chain, needed) || !linked(stream, entryOf(pipeline, chain))) {
         takeFilterOut(pipeline, chain);

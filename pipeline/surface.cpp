@@ -22,13 +22,12 @@ void markPrerolled(MediaPlayerView &view, bool succeeded)
 }
 
 /// The item reports itself in each window that it comes into. A picture that has prerolled under
-/// the GL context of this window goes on as it is, and so does media without one.
+/// the GL context of this window goes on as it is, and so does media without one; but not media
+/// that have failed.
 bool goesOnAsItIs(MediaPlayerView &view, bool keptContext)
 {
-    return view.pipeline
-        && (!view.videoSink
-            || (keptContext && isAboveReady(view.pipeline)
-                && recordedState(view.pipeline).last != GST_STATE_CHANGE_FAILURE));
+    return view.pipeline && recordedState(view.pipeline).last != GST_STATE_CHANGE_FAILURE
+        && (!view.videoSink || (keptContext && isAboveReady(view.pipeline)));
 }
 
 } // namespace

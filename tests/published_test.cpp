@@ -100,6 +100,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("state");
         QTest::newRow("READY") << int(GST_STATE_READY);
         QTest::newRow("NULL") << int(GST_STATE_NULL);
+        QTest::newRow("straight to NULL") << -1;
     }
     void anErrorOfARunThatIsStoppedIsTold()
     {
@@ -119,10 +120,27 @@ private Q_SLOTS:
             return GST_BUS_PASS;
         };
         gst_bus_set_sync_handler(bus.get(), fail, pipeline, nullptr);
-        QCOMPARE(host.play(state), complete);
+        if (state < 0)
+            QMetaObject::invokeMethod(host.view(), "nulldownAndPauseOnGuiThread");
+        else
+            QCOMPARE(host.play(state), complete);
         QVERIFY(posted);
         AWAIT_EQUAL(host.overlay(), QLatin1String("Error loading media"));
         AWAIT_EQUAL(int(loadRelaxed(host.record.error)), 1);
+    }
+
+    // The video item is initialised once more where the picture comes back, also under sound.
+    void aFailureIsToldAgainInAnotherWindow()
+    {
+        Host host(Host::Quick);
+        openAndPlay(host);
+        QCOMPARE(host.load("file:///none.mp3"), complete);
+        AWAIT_EQUAL(int(loadRelaxed(host.record.error)), 1);
+        hideAndPark(host);
+        storeRelaxed(host.record.error, std::int8_t(0));
+        host.control->SysNativeControlShow(1);
+        AWAIT_EQUAL(int(loadRelaxed(host.record.error)), 1);
+        AWAIT_EQUAL(host.overlay(), QLatin1String("Error loading media"));
     }
 
     void noStateIsNoChange()
