@@ -1,3 +1,4 @@
+#include "pipeline/sequences.h"
 #include "tests/interleaving.h"
 #include "tests/server.h"
 #include "view/Relay.h"
@@ -155,6 +156,29 @@ private Q_SLOTS:
         QVERIFY(blockForOnePass(host));
         AWAIT_EQUAL(host.state(), row.state);
         QCOMPARE(host.record.error, std::int8_t(0));
+    }
+
+    // The command comes when data are short, and before the update thread has paused the media.
+    void aCommandBeforeTheWait()
+    {
+        Host host(Host::Quick);
+        open(host, m_server.uri("ranges/large.mkv"));
+        QCOMPARE(host.play(GST_STATE_PLAYING), complete);
+        AWAIT(host.position() > GST_SECOND && host.state() == GST_STATE_PLAYING);
+        GstElement *const pipeline = host.view()->pipeline;
+        const auto tell = [&](int percent) {
+            gst_element_post_message(pipeline,
+                                     gst_message_new_buffering(GST_OBJECT(pipeline), percent));
+        };
+        {
+            const Turn turn(*host.view());
+            tell(1);
+            setState(*host.view(), GST_STATE_PLAYING);
+        }
+        AWAIT_EQUAL(host.pipelineStates().constFirst(), int(GST_STATE_PAUSED));
+        tell(100);
+        AWAIT_EQUAL(host.pipelineStates().constFirst(), int(GST_STATE_PLAYING));
+        AWAIT_EQUAL(host.state(), int(GST_STATE_PLAYING));
     }
 
     // Neither files nor live sources are paused, whatever is said of their buffers.

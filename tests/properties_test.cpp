@@ -183,6 +183,18 @@ private Q_SLOTS:
         QVERIFY(errorText(host).isEmpty());
     }
 
+    void whatIsMendedIsTakenBack()
+    {
+        Host host(Host::Quick);
+        {
+            const Missing missing {"flacdec", "avdec_flac"};
+            host.open(media("tone.flac"));
+            AWAIT(!errorText(host).isEmpty());
+        }
+        QCOMPARE(host.play(GST_STATE_NULL), complete);
+        AWAIT(errorText(host).isEmpty());
+    }
+
     // A picture that is loaded while it is parked cannot be drawn yet, which nobody is told.
     void silentWhileParked()
     {

@@ -31,7 +31,7 @@ bool isFreeToAct(MediaPlayerView &view, const GstElement *current) REQUIRES(view
 void keepToSupplyInTurn(MediaPlayerView &view, GstElement *current) REQUIRES(view.sequence)
 {
     Supply &supply = view.relay->supply;
-    const bool pauses = !supply.held && supply.isAwaited() && isToPlay(current);
+    const bool pauses = supply.isAwaited() && isToPlay(current); // held or not: once is enough
     const bool goesOn = supply.held && !supply.isShort();
     if (!pauses && !goesOn)
         return;

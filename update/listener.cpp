@@ -57,6 +57,8 @@ bool drain(MediaPlayerView &view, GstElement *current)
 
 void tell(MediaPlayerView &view, const GstElement *current, const QVariantMap &facts)
 {
+    if (!facts.isEmpty()) // it has prerolled
+        view.relay->dropOldError();
     view.relay->change(current, [&](QVariantMap &values) {
         values.insert(facts);
         const QVariant live = facts.value(QStringLiteral("live"));

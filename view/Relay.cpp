@@ -77,7 +77,7 @@ void Relay::setHushed(bool hushed)
 void Relay::dropOldError()
 {
     const std::lock_guard guard(m_mutex);
-    if (m_told == Fault::None && !m_refused)
+    if (m_told == Fault::None && !m_refused && !m_seekRefused)
         apply([](QVariantMap &values) { values.remove(errorText); });
 }
 

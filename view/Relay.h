@@ -70,7 +70,7 @@ public:
     /// [gui] Drops the errors of this run, since the picture cannot take frames yet; or no longer.
     void setHushed(bool hushed);
 
-    /// [gui] The present run has come to its picture, which is the last word on earlier errors.
+    /// [any] The present run has prerolled, which is the last word on the errors of earlier ones.
     void dropOldError();
 
     /// [any] Something is wrong with `media`.
