@@ -139,7 +139,7 @@ bool MediaPlayerControl::takeOverView(MediaPlayerParams *block)
     return true;
 }
 
-// The picture joins the host's item while the view is made, and the host's code that hears of it
+// The picture enters the host's item while the view is made. That can run the host's code, which
 // may destroy this control. A view that is about to be deleted serves the record until then.
 bool MediaPlayerControl::makeView(MediaPlayerParams *block)
 {

@@ -31,7 +31,7 @@ GlibText uriOf(GstElement *source)
     return GlibText(uri);
 }
 
-/// A chain element, owned by the built pipeline whether or not it ever joins it.
+/// A chain element, owned by the built pipeline whether or not it is ever added to it.
 GstElement *makeChainElement(const char *factory, const char *name)
 {
     GstElement *element = gst_element_factory_make(factory, name);

@@ -29,8 +29,8 @@ public:
     bool keptContext();
 
     /// [any] gst_element_set_state() for a built pipeline that goes on living. `videoSink`
-    /// may be null, and need not have joined the pipeline. The caller keeps other changes of its
-    /// state away. To end a pipeline use gst_element_set_state(), which takes every element to
+    /// may be null, and need not have been added to the pipeline. The caller keeps other changes of
+    /// its state away. To end a pipeline use gst_element_set_state(), which takes every element to
     /// NULL.
     static GstStateChangeReturn changeState(GstElement *pipeline, GstElement *videoSink,
                                             GstState state);
