@@ -95,13 +95,13 @@ void MediaPlayerView::updateReferences(QWindow *hostWindow, QQuickItem *hostItem
     Record(params).answerRebinding();
 }
 
-void MediaPlayerView::bind(const QObject *control, MediaPlayerParams *block)
+void MediaPlayerView::bind(const QObject *control, MediaPlayerParams *hostRecord)
 {
     assertGuiThread();
     life.bound = true;
     life.control = control;
     const Guard guard(lock);
-    storeRelease(params, block);
+    storeRelease(params, hostRecord);
 }
 
 void MediaPlayerView::scheduleDeletion()
