@@ -28,7 +28,7 @@ bool goesOnAsItIs(MediaPlayerView &view, bool keptContext)
     return view.pipeline
         && (!view.videoSink
             || (keptContext && isAboveReady(view.pipeline)
-                && recordedState(view.pipeline).last != GST_STATE_CHANGE_FAILURE));
+                && stateNow(view.pipeline).last != GST_STATE_CHANGE_FAILURE));
 }
 
 } // namespace
@@ -81,7 +81,7 @@ void prerollCurrent(MediaPlayerView &view, bool fromSignal)
         return;
     }
     run(view, sequence::prerollOfNew);
-    markPrerolled(view, recordedState(view.pipeline).current == GST_STATE_PAUSED);
+    markPrerolled(view, stateNow(view.pipeline).current == GST_STATE_PAUSED);
     MediaPlayerView::librariesLoaded();
     // Posted within the turn, so that an error which this preroll has left on the bus is shown
     // afterwards, and stays.

@@ -93,8 +93,7 @@ void publish(MediaPlayerView &view, GstElement *current)
     const bool executing = record.isExecuting();
     const std::int32_t command = record.command();
     if (!(executing && command == MediaPlayerCommandPlayState))
-        record.publishState(view.relay->supply.held ? GST_STATE_PAUSED
-                                                    : recordedState(current).current);
+        record.publishState(view.relay->supply.held ? GST_STATE_PAUSED : stateNow(current).current);
     if (view.shared.generation != before)
         return;
     if (!(executing && command == MediaPlayerCommandSeek))
