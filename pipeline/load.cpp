@@ -6,7 +6,7 @@
 #include "pipeline/GstHandle.h"
 #include "pipeline/builtPipelines.h"
 #include "pipeline/mediaKind.h"
-#include "pipeline/overheard.h"
+#include "pipeline/messageWatch.h"
 #include "pipeline/padAdded.h"
 #include "pipeline/sequences.h"
 #include "pipeline/surface.h"
@@ -88,7 +88,7 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
     if (awaitsItem) {
         const Guard guard(view.lock);
         view.shared.awaitsItem = true;
-        view.relay->setHushed(true);
+        view.relay->setErrorsIgnored(true);
     }
     // A window draws some milliseconds after it has been asked to. Asked now, it draws the first
     // frame as soon as the wait for it is over.
@@ -148,7 +148,7 @@ bool buildNew(MediaPlayerView &view, const QByteArray &uri, const QString &key)
         view.relay->refuse(QStringLiteral("Neither a file nor a folder: %1").arg(key));
         return false;
     }
-    overhear(built->pipeline, view.relay);
+    watchMessages(built->pipeline, view.relay);
     makeElements(view, *built, kind);
     Quirks::pipelineBuilt(built->source, uri.constData());
 

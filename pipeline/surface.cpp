@@ -14,7 +14,7 @@ void markPrerolled(MediaPlayerView &view, bool succeeded)
         if (std::exchange(view.shared.awaitsItem, false) || succeeded)
             view.shared.flushedErrorOf = nullptr;
     }
-    view.relay->setHushed(false);
+    view.relay->setErrorsIgnored(false);
     if (succeeded)
         view.relay->dropOldError();
     for (const auto &built : std::as_const(view.pipelineCache))

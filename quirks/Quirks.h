@@ -24,8 +24,8 @@ public:
     /// [gui] Whether the video item has been initialised in the window that it is in.
     bool isItemInitialized() const;
 
-    /// [gui] For the slot that hears that the video item is initialised: whether the item still
-    /// uses the GL context that it used at the last call. False at the first one.
+    /// [gui] For the slot that runs when the video item has been initialised: whether the item
+    /// still uses the GL context that it used at the last call. False at the first one.
     bool keptContext();
 
     /// [any] gst_element_set_state() for a built pipeline that goes on living. `videoSink`

@@ -55,7 +55,7 @@ Answer goToState(MediaPlayerView &view, const Record &record)
         const Guard guard(view.lock);
         view.shared.awaitsItem = false; // what comes of this request is told
     }
-    view.relay->setHushed(false);
+    view.relay->setErrorsIgnored(false);
     view.updateSize(false);
     const std::int32_t wanted = record.playState();
     if (wanted != GST_STATE_NULL) {

@@ -40,22 +40,22 @@ bool drain(MediaPlayerView &view, GstElement *current)
     auto deadline = Clock::now() + quietTime;
     do {
         keepToSupply(view, current);
-        switch (hearOne(view, current, bus.get())) {
-        case Heard::Message:
+        switch (popMessage(view, current, bus.get())) {
+        case PopResult::Message:
             deadline = Clock::now() + quietTime;
             break;
-        case Heard::Nothing:
+        case PopResult::Nothing:
             break;
-        case Heard::NotItsTurn:
+        case PopResult::NotItsTurn:
             return true;
-        case Heard::OtherPipeline:
+        case PopResult::OtherPipeline:
             return false;
         }
     } while (waitForBus(bus.get(), std::min(deadline, end)));
     return true;
 }
 
-void tell(MediaPlayerView &view, const GstElement *current, const QVariantMap &facts)
+void publishFacts(MediaPlayerView &view, const GstElement *current, const QVariantMap &facts)
 {
     view.relay->change(current, [&](QVariantMap &values) {
         values.insert(facts);
@@ -99,7 +99,7 @@ void publish(MediaPlayerView &view, GstElement *current)
     if (!(executing && command == MediaPlayerCommandSeek))
         record.publishPosition(position);
     record.publishDuration(duration);
-    tell(view, current, facts);
+    publishFacts(view, current, facts);
 }
 
 } // namespace

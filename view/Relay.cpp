@@ -31,7 +31,7 @@ void Relay::reset()
     supply.failed = false;
     supply.held = false;
     ++supply.run;
-    m_hushed = false;
+    m_errorsIgnored = false;
     m_told = Fault::None;
 }
 
@@ -68,10 +68,10 @@ void Relay::accept()
         apply([](QVariantMap &values) { values.remove(errorText); });
 }
 
-void Relay::setHushed(bool hushed)
+void Relay::setErrorsIgnored(bool ignored)
 {
     const std::lock_guard guard(m_mutex);
-    m_hushed = hushed;
+    m_errorsIgnored = ignored;
 }
 
 void Relay::dropOldError()
@@ -84,7 +84,7 @@ void Relay::dropOldError()
 void Relay::report(const GstElement *media, Fault fault, const QString &text)
 {
     const std::lock_guard guard(m_mutex);
-    if (media != m_media || m_hushed)
+    if (media != m_media || m_errorsIgnored)
         return;
     const bool isNews = fault > m_told;
     if (isNews) {

@@ -68,7 +68,7 @@ public:
     void accept();
 
     /// [gui] Drops the errors of this run, since the picture cannot take frames yet; or no longer.
-    void setHushed(bool hushed);
+    void setErrorsIgnored(bool ignored);
 
     /// [gui] The present run has come to its picture, which is the last word on earlier errors.
     void dropOldError();
@@ -99,7 +99,7 @@ private:
     QVariantMap m_values;
     bool m_onItsWay = false; ///< to the GUI thread
     bool m_refused = false;
-    bool m_hushed = false;
+    bool m_errorsIgnored = false;
     Fault m_told = Fault::None; ///< of this run, in errorText; an older text stays until then
     bool m_seekRefused = false;
 };
