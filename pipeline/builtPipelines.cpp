@@ -2,8 +2,8 @@
 
 #include "boundary/AtomicAccess.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
-#include "view/Relay.h"
 
 namespace
 {

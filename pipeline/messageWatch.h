@@ -1,7 +1,7 @@
 #ifndef MESSAGEWATCH_H
 #define MESSAGEWATCH_H
 
-#include "view/Relay.h"
+#include "pipeline/Relay.h"
 
 #include <array>
 

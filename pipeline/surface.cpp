@@ -1,7 +1,7 @@
 #include "pipeline/surface.h"
 
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
-#include "view/Relay.h"
 
 namespace
 {

@@ -2,9 +2,9 @@
 
 #include "boundary/AtomicAccess.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/Relay.h"
 #include "pipeline/stateChange.h"
 #include "update/messages.h"
-#include "view/Relay.h"
 
 #include <utility>
 

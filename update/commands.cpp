@@ -3,8 +3,8 @@
 #include "boundary/AtomicAccess.h"
 #include "boundary/Record.h"
 #include "diagnostics/Trace.h"
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
-#include "view/Relay.h"
 
 #include <QtCore/QVariant>
 

@@ -3,11 +3,11 @@
 #include "boundary/AtomicAccess.h"
 #include "boundary/Record.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/Relay.h"
 #include "pipeline/stateChange.h"
 #include "update/buffering.h"
 #include "update/facts.h"
 #include "update/messages.h"
-#include "view/Relay.h"
 
 #include <poll.h>
 
