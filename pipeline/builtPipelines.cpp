@@ -50,8 +50,7 @@ void makeCurrent(MediaPlayerView &view, const MediaPlayerView::PipelineCtx &buil
 void release(MediaPlayerView::PipelineCtx &built)
 {
     if (built.pipeline) {
-        gst_element_set_state(built.pipeline, GST_STATE_NULL);
-        awaitNull(built.pipeline);
+        takeToNull(built.pipeline);
         gst_object_unref(built.pipeline);
     }
     for (GstElement *element : {built.videoSink, built.glUpload, built.glColorConvert,

@@ -63,6 +63,12 @@ void awaitNull(GstElement *element)
     } while (current != GST_STATE_NULL && waited < waitBudget);
 }
 
+void takeToNull(GstElement *pipeline)
+{
+    gst_element_set_state(pipeline, GST_STATE_NULL);
+    awaitNull(pipeline);
+}
+
 void emptyBus(GstElement *element)
 {
     if (const ObjectRef<GstBus> bus {gst_element_get_bus(element)}) {

@@ -32,6 +32,9 @@ GstStateChangeReturn awaitState(GstElement *element, GstState state, const GiveU
 /// the call that asks for it; the bound is for an element that breaks this rule.
 void awaitNull(GstElement *element);
 
+/// Takes a pipeline down for good, every element of it, and waits as awaitNull() does.
+void takeToNull(GstElement *pipeline);
+
 /// Throws away what is queued on the element's bus.
 void emptyBus(GstElement *element);
 

@@ -67,8 +67,7 @@ MediaPlayerView::~MediaPlayerView()
     if (pipeline) {
         const Turn turn(*this);
         // The thread may have been inside a sequence that raised the pipeline once more.
-        gst_element_set_state(pipeline, GST_STATE_NULL);
-        awaitNull(pipeline);
+        takeToNull(pipeline);
         releaseCurrent(*this);
     }
     delete thread;
