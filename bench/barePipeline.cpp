@@ -63,7 +63,7 @@ QQuickItem *makeVideoObject(QQuickItem *place)
 {
     static QQmlEngine engine;
     QQmlComponent component(
-        &engine, QUrl::fromLocalFile(QStringLiteral("/opt/VexadorControl/VideoObjectQt6.qml")));
+        &engine, QUrl::fromLocalFile(QStringLiteral(MEDIAPLAYER_SCENE_DIR "/VideoObjectQt6.qml")));
     auto *root = qobject_cast<QQuickItem *>(component.create());
     if (!root)
         fail(component.errorString());

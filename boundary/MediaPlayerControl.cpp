@@ -118,13 +118,13 @@ int MediaPlayerControl::SysNativeControlSetSettings(char *key, void *value)
     traceLine("MediaPlayerControl::SysNativeControlSetSettings");
     if (!key || std::strcmp(key, registerKey) != 0 || !value)
         return 1;
-    auto *block = static_cast<MediaPlayerParams *>(value);
+    auto *hostRecord = static_cast<MediaPlayerParams *>(value);
     const QPointer<MediaPlayerControl> self(this);
-    if (!takeOverView(block) && !makeView(block))
+    if (!takeOverView(hostRecord) && !makeView(hostRecord))
         return 1;
     if (!self || !view)
         return 1;
-    view->bind(this, block);
+    view->bind(this, hostRecord);
     connect(view, SIGNAL(destruct()), this, SLOT(onDestruct()));
     if (!view->source)
         view->loadFile();
@@ -132,9 +132,9 @@ int MediaPlayerControl::SysNativeControlSetSettings(char *key, void *value)
 }
 
 // The view may move to another window, and the host's code that hears of it may end this control.
-bool MediaPlayerControl::takeOverView(MediaPlayerParams *block)
+bool MediaPlayerControl::takeOverView(MediaPlayerParams *hostRecord)
 {
-    MediaPlayerView *const serving = Record(block).view();
+    MediaPlayerView *const serving = Record(hostRecord).view();
     if (!isLive(serving) || serving->life.deletionScheduled)
         return false;
     view = serving;
@@ -142,9 +142,9 @@ bool MediaPlayerControl::takeOverView(MediaPlayerParams *block)
     return true;
 }
 
-// The picture joins the host's item while the view is made, and the host's code that hears of it
+// The picture enters the host's item while the view is made. That can run the host's code, which
 // may destroy this control. A view that is about to be deleted serves the record until then.
-bool MediaPlayerControl::makeView(MediaPlayerParams *block)
+bool MediaPlayerControl::makeView(MediaPlayerParams *hostRecord)
 {
     const QPointer<MediaPlayerControl> self(this);
     const QPointer<MediaPlayerView> made(new MediaPlayerView(window, parentItem, nullptr));
@@ -152,7 +152,7 @@ bool MediaPlayerControl::makeView(MediaPlayerParams *block)
         delete made.data();
         return false;
     }
-    const Record record(block);
+    const Record record(hostRecord);
     if (MediaPlayerView *const replaced = record.view(); isLive(replaced))
         replaced->yieldRecord();
     view = made;

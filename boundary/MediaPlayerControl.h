@@ -45,8 +45,8 @@ public:
 
 private:
     // Each gives the control the record's view; false when there is none, or no control any more.
-    bool takeOverView(MediaPlayerParams *block);
-    bool makeView(MediaPlayerParams *block);
+    bool takeOverView(MediaPlayerParams *hostRecord);
+    bool makeView(MediaPlayerParams *hostRecord);
 };
 
 extern "C" {

@@ -1,6 +1,8 @@
 # shellcheck shell=bash
 # Steps that the scripts share. To be sourced in the project's root folder.
 
+: "${sceneDir:=/opt/VexadorControl}" # where the library looks for its scene files
+
 # buildPreset PRESET: configures and builds into build/PRESET.
 buildPreset()
 {
@@ -17,7 +19,7 @@ buildPreset()
 # folder too; under DESTDIR, where there is one. Touches nothing that is up to date.
 installScene()
 {
-  local file target=${DESTDIR-}/opt/VexadorControl
+  local file target=${DESTDIR-}$sceneDir
   for file in qml/*.qml; do
     cmp -s "$file" "$target/${file##*/}" && continue
     echo "Installing $target/${file##*/}"

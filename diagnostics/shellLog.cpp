@@ -14,8 +14,8 @@
 namespace
 {
 
-constexpr char logPath[] = "/tmp/kvo.log";
-constexpr char reportFormat[] = "/opt/checkThreads %d >> /tmp/kvo.log";
+constexpr char logPath[] = MEDIAPLAYER_LOG;
+constexpr char reportFormat[] = "/opt/checkThreads %d >> " MEDIAPLAYER_LOG;
 constexpr std::size_t longestMessage = 176;
 
 bool continuesCharacter(char byte)

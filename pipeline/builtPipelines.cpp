@@ -2,8 +2,8 @@
 
 #include "boundary/AtomicAccess.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
-#include "view/Relay.h"
 
 namespace
 {
@@ -51,8 +51,7 @@ void makeCurrent(MediaPlayerView &view, const MediaPlayerView::PipelineCtx &buil
 void release(MediaPlayerView::PipelineCtx &built)
 {
     if (built.pipeline) {
-        gst_element_set_state(built.pipeline, GST_STATE_NULL);
-        awaitNull(built.pipeline);
+        takeToNull(built.pipeline);
         gst_object_unref(built.pipeline);
     }
     for (GstElement *element : {built.videoSink, built.glUpload, built.glColorConvert,

@@ -6,7 +6,7 @@
 // The pipelines that a view has built, one of which is current.
 //
 // Who owns what: a PipelineCtx holds one reference on its pipeline and one on each chain element,
-// so that the elements stay valid whether or not they have joined the pipeline. The source belongs
+// so that the elements stay valid whether or not they have been added to it. The source belongs
 // to the pipeline. A PipelineCtx that is destroyed releases nothing; release() does, when no
 // thread can reach its elements any more. The view's own members hold no references.
 

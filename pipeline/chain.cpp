@@ -9,9 +9,9 @@
 namespace
 {
 
-/// Puts the elements that exist into the pipeline and joins them. One that is there already stays,
+/// Adds the elements that exist to the pipeline and links them. One that is there already stays,
 /// with its links: a later preroll finds the chain built.
-void join(GstElement *pipeline, const Chain &chain)
+void addAndLink(GstElement *pipeline, const Chain &chain)
 {
     GstElement *previous = nullptr;
     for (GstElement *element : chain.elements) {
@@ -62,7 +62,7 @@ bool isFree(GstElement *pipeline, const Chain &chain)
 void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const char *type)
 {
     takeFilterOutUnlessFor(stream, pipeline, chain);
-    join(pipeline, chain);
+    addAndLink(pipeline, chain);
     if (GST_PAD_LINK_FAILED(gst_pad_link(stream, entryOf(pipeline, chain).get())))
         traceGlib("  Type is '%s' but link failed.\n", type);
     // The sink first: an element that goes to READY asks those behind it for the scene's display

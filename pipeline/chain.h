@@ -38,14 +38,14 @@ Chain videoChainOf(MediaPlayerView *view);
 /// Whether the chain exists and no stream flows into it.
 bool isFree(GstElement *pipeline, const Chain &chain);
 
-/// Lets a free chain join the pipeline, unless an earlier stream did, and gives it `stream`. Where
-/// the stream asks for it, now or later, a filter goes between the two: a format that the chain
-/// refuses is converted, a picture that lies on its side is turned. The next stream that the chain
-/// gets is first offered without one.
+/// Adds the chain if it is absent and links `stream`; the chain must be free. Where the stream
+/// needs it, now or later, a filter goes between the two: it converts a format that the chain
+/// refuses, and turns a picture that lies on its side. The next stream is first offered without a
+/// filter.
 void linkStream(GstElement *pipeline, const Chain &chain, GstPad *stream, const char *type);
 
-/// Takes a chain that no stream flows into out of the pipeline, which would wait for its sink for
-/// ever. Its elements are then in NULL and can join again.
+/// Removes a chain that no stream flows into: the pipeline would wait for its sink for ever. The
+/// elements are then in NULL and can be added again.
 void leaveIfFree(GstElement *pipeline, const Chain &chain);
 
 #endif

@@ -6,7 +6,7 @@
 #include "pipeline/GstHandle.h"
 #include "pipeline/builtPipelines.h"
 #include "pipeline/mediaKind.h"
-#include "pipeline/overheard.h"
+#include "pipeline/messageWatch.h"
 #include "pipeline/padAdded.h"
 #include "pipeline/sequences.h"
 #include "pipeline/surface.h"
@@ -31,7 +31,7 @@ GlibText uriOf(GstElement *source)
     return GlibText(uri);
 }
 
-/// A chain element, owned by the built pipeline whether or not it ever joins it.
+/// A chain element, owned by the built pipeline whether or not it is ever added to it.
 GstElement *makeChainElement(const char *factory, const char *name)
 {
     GstElement *element = gst_element_factory_make(factory, name);
@@ -95,7 +95,7 @@ bool loadCached(MediaPlayerView &view, const PipelineCtx &built)
     if (awaitsItem) {
         const Guard guard(view.lock);
         view.shared.awaitsItem = true;
-        view.relay->setHushed(true);
+        view.relay->setErrorsIgnored(true);
     }
     setState(view, GST_STATE_PAUSED);
     view.hideOverlay();
@@ -151,7 +151,7 @@ bool buildNew(MediaPlayerView &view, const QByteArray &uri, const QString &key)
         view.relay->refuse(QStringLiteral("Neither a file nor a folder: %1").arg(key));
         return false;
     }
-    overhear(built->pipeline, view.relay);
+    watchMessages(built->pipeline, view.relay);
     makeElements(view, *built, kind);
     Quirks::pipelineBuilt(built->source, uri.constData());
 

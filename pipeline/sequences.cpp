@@ -3,7 +3,7 @@
 #include "boundary/AtomicAccess.h"
 #include "diagnostics/Trace.h"
 #include "pipeline/GstHandle.h"
-#include "view/Relay.h"
+#include "pipeline/Relay.h"
 
 #include <utility>
 

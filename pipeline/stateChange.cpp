@@ -11,26 +11,25 @@ constexpr GstClockTime waitBudget = GST_SECOND;
 
 } // namespace
 
-RecordedState recordedState(GstElement *element)
+StateNow stateNow(GstElement *element)
 {
     GST_OBJECT_LOCK(element);
-    const RecordedState recorded {GST_STATE(element), GST_STATE_PENDING(element),
-                                  GST_STATE_RETURN(element)};
+    const StateNow now {GST_STATE(element), GST_STATE_PENDING(element), GST_STATE_RETURN(element)};
     GST_OBJECT_UNLOCK(element);
-    return recorded;
+    return now;
 }
 
 bool isAboveReady(GstElement *element)
 {
-    const RecordedState recorded = recordedState(element);
-    return recorded.current > GST_STATE_READY || recorded.pending > GST_STATE_READY;
+    const StateNow now = stateNow(element);
+    return now.current > GST_STATE_READY || now.pending > GST_STATE_READY;
 }
 
 bool isPrerolled(GstElement *element)
 {
-    const RecordedState recorded = recordedState(element);
-    return recorded.current > GST_STATE_READY && recorded.last != GST_STATE_CHANGE_ASYNC
-        && recorded.last != GST_STATE_CHANGE_FAILURE;
+    const StateNow now = stateNow(element);
+    return now.current > GST_STATE_READY && now.last != GST_STATE_CHANGE_ASYNC
+        && now.last != GST_STATE_CHANGE_FAILURE;
 }
 
 GstStateChangeReturn awaitState(GstElement *element, GstState state, const GiveUp &giveUp)
@@ -62,6 +61,12 @@ void awaitNull(GstElement *element)
         gst_element_get_state(element, &current, nullptr, pollTime);
         waited += pollTime;
     } while (current != GST_STATE_NULL && waited < waitBudget);
+}
+
+void takeToNull(GstElement *pipeline)
+{
+    gst_element_set_state(pipeline, GST_STATE_NULL);
+    awaitNull(pipeline);
 }
 
 void emptyBus(GstElement *element)

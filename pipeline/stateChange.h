@@ -10,13 +10,13 @@
 /// Asked between two polls of a wait; true ends the wait.
 using GiveUp = std::function<bool()>;
 
-/// What an element has recorded of itself. Never waits.
-struct RecordedState {
+/// The state of an element as it is at this moment. Never waits.
+struct StateNow {
     GstState current;
     GstState pending; ///< VOID_PENDING unless it is on its way
     GstStateChangeReturn last; ///< result of the last change
 };
-RecordedState recordedState(GstElement *element);
+StateNow stateNow(GstElement *element);
 
 /// Whether the element is above READY, or on its way there.
 bool isAboveReady(GstElement *element);
@@ -31,6 +31,9 @@ GstStateChangeReturn awaitState(GstElement *element, GstState state, const GiveU
 /// Waits until the element has come to NULL, within the same bound. Such a change completes within
 /// the call that asks for it; the bound is for an element that breaks this rule.
 void awaitNull(GstElement *element);
+
+/// Takes a pipeline down for good, every element of it, and waits as awaitNull() does.
+void takeToNull(GstElement *pipeline);
 
 /// Throws away what is queued on the element's bus.
 void emptyBus(GstElement *element);

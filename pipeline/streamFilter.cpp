@@ -79,7 +79,7 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
             GstCaps *format)
 {
     const WayUp wayUp = wayUpOf(pad);
-    const auto tellTurner = [&] {
+    const auto updateTurner = [&] {
         const auto turner = elementIn(pipeline, chain.turnerName);
         if (turner && wayUp)
             g_object_set(turner.get(), "video-direction", *wayUp, nullptr);
@@ -87,7 +87,7 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
     };
     const bool turned = wayUp && *wayUp != GST_VIDEO_ORIENTATION_IDENTITY;
     const bool filtered = bool(elementIn(pipeline, chain.filterName));
-    if (tellTurner() || (!turned && (filtered || news == News::Tags)))
+    if (updateTurner() || (!turned && (filtered || news == News::Tags)))
         return;
     GstElement *const first = chain.elements.front();
     const auto own = sinkPadOf(first);
@@ -99,7 +99,7 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
     gst_pad_unlink(stream, entryOf(pipeline, chain).get());
     takeFilterOut(pipeline, chain);
     // Once it has had frames, glupload takes none that it would have to treat in another way.
-    if (recordedState(first).current > GST_STATE_READY)
+    if (stateNow(first).current > GST_STATE_READY)
         gst_element_set_state(first, GST_STATE_READY);
     if (!putFilterIn(pipeline, chain, needed) || !linked(stream, entryOf(pipeline, chain))) {
         takeFilterOut(pipeline, chain);
@@ -109,7 +109,7 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
                                gst_caps_ref(format),
                                [](gpointer caps) { gst_caps_unref(GST_CAPS(caps)); });
     }
-    tellTurner();
+    updateTurner();
     gst_element_sync_state_with_parent(first);
 }
 

@@ -1,7 +1,7 @@
 #include "pipeline/surface.h"
 
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
-#include "view/Relay.h"
 
 namespace
 {
@@ -14,7 +14,7 @@ void markPrerolled(MediaPlayerView &view, bool succeeded)
         if (std::exchange(view.shared.awaitsItem, false) || succeeded)
             view.shared.flushedErrorOf = nullptr;
     }
-    view.relay->setHushed(false);
+    view.relay->setErrorsIgnored(false);
     if (succeeded)
         view.relay->dropOldError();
     for (const auto &built : std::as_const(view.pipelineCache))
@@ -26,7 +26,7 @@ void markPrerolled(MediaPlayerView &view, bool succeeded)
 /// that have failed.
 bool goesOnAsItIs(MediaPlayerView &view, bool keptContext)
 {
-    return view.pipeline && recordedState(view.pipeline).last != GST_STATE_CHANGE_FAILURE
+    return view.pipeline && stateNow(view.pipeline).last != GST_STATE_CHANGE_FAILURE
         && (!view.videoSink || (keptContext && isAboveReady(view.pipeline)));
 }
 
@@ -80,7 +80,7 @@ void prerollCurrent(MediaPlayerView &view, bool fromSignal)
         return;
     }
     run(view, sequence::prerollOfNew);
-    markPrerolled(view, recordedState(view.pipeline).current == GST_STATE_PAUSED);
+    markPrerolled(view, stateNow(view.pipeline).current == GST_STATE_PAUSED);
     MediaPlayerView::librariesLoaded();
     // Posted within the turn, so that an error which this preroll has left on the bus is shown
     // afterwards, and stays.

@@ -102,7 +102,7 @@ void addTo(QVariantMap &values, const std::array<QVariantMap, 3> &said)
     values[QStringLiteral("metaData")] = metaData;
 }
 
-void passOnCover(Overheard &overheard, const GstTagList *tags)
+void passOnCover(MessageWatch &watch, const GstTagList *tags)
 {
     GstSample *sample = nullptr;
     if (!gst_tag_list_get_sample(tags, GST_TAG_IMAGE, &sample)
@@ -110,21 +110,20 @@ void passOnCover(Overheard &overheard, const GstTagList *tags)
         return;
     const std::shared_ptr<GstSample> picture(sample, gst_sample_unref);
     GstBuffer *const buffer = gst_sample_get_buffer(sample);
-    if (!buffer || !overheard.replaceCover(buffer))
+    if (!buffer || !watch.replaceCover(buffer))
         return;
-    QThreadPool::globalInstance()->start(
-        [relay = overheard.relay, media = overheard.media, picture] {
-            const QImage image = decode(gst_sample_get_buffer(picture.get()));
-            if (!image.isNull())
-                relay->change(media, [&image](QVariantMap &values) {
-                    addTo(values, {QVariantMap {{QStringLiteral("coverArtImage"), image}}});
-                });
-        });
+    QThreadPool::globalInstance()->start([relay = watch.relay, media = watch.media, picture] {
+        const QImage image = decode(gst_sample_get_buffer(picture.get()));
+        if (!image.isNull())
+            relay->change(media, [&image](QVariantMap &values) {
+                addTo(values, {QVariantMap {{QStringLiteral("coverArtImage"), image}}});
+            });
+    });
 }
 
 } // namespace
 
-void tellOfTags(Overheard &overheard, GstMessage *message)
+void publishTags(MessageWatch &watch, GstMessage *message)
 {
     GstTagList *list = nullptr;
     gst_message_parse_tag(message, &list);
@@ -141,11 +140,11 @@ void tellOfTags(Overheard &overheard, GstMessage *message)
         said[ofVideo ? QStringLiteral("videoBitRate") : QStringLiteral("audioBitRate")] = bits;
     const QVariant orientation = ofVideo ? orientationOf(list, message) : QVariant();
 
-    overheard.relay->change(overheard.media, [&](QVariantMap &values) {
-        overheard.said[ofAll ? 2U : std::size_t(ofVideo)].insert(said);
-        addTo(values, overheard.said);
+    watch.relay->change(watch.media, [&](QVariantMap &values) {
+        watch.said[ofAll ? 2U : std::size_t(ofVideo)].insert(said);
+        addTo(values, watch.said);
         if (orientation.isValid())
             values[QStringLiteral("imageOrientation")] = orientation;
     });
-    passOnCover(overheard, list);
+    passOnCover(watch, list);
 }

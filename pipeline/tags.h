@@ -1,10 +1,10 @@
 #ifndef TAGS_H
 #define TAGS_H
 
-#include "pipeline/overheard.h"
+#include "pipeline/messageWatch.h"
 
-/// [any] Passes on what a message of tags says. A picture among them is decoded on a thread of Qt's
+/// [any] Publishes what a message of tags says. A picture among them is decoded on a thread of Qt's
 /// pool, and follows when it is there.
-void tellOfTags(Overheard &overheard, GstMessage *message);
+void publishTags(MessageWatch &watch, GstMessage *message);
 
 #endif

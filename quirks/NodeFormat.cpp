@@ -66,9 +66,9 @@ NodeFormat::NodeFormat(QQuickItem *videoItem) : QObject(videoItem)
                 previous = window;
                 if (!window)
                     return;
-                tellAgain();
-                connect(window, &QQuickWindow::sceneGraphInvalidated, this, &NodeFormat::tellAgain,
-                        Qt::DirectConnection);
+                showFramesAgain();
+                connect(window, &QQuickWindow::sceneGraphInvalidated, this,
+                        &NodeFormat::showFramesAgain, Qt::DirectConnection);
             });
 }
 
@@ -82,7 +82,7 @@ void NodeFormat::watch(GstElement *videoSink)
     m_sinks.emplace_back(GST_ELEMENT(gst_object_ref(videoSink)));
 }
 
-void NodeFormat::tellAgain()
+void NodeFormat::showFramesAgain()
 {
     for (const auto &sink : m_sinks)
         showAgain(GST_BASE_SINK(sink.get()));

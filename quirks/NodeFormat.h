@@ -33,7 +33,7 @@ public:
     void watch(GstElement *videoSink);
 
 private:
-    void tellAgain(); // [gui], or [render] while the GUI thread waits
+    void showFramesAgain(); // [gui], or [render] while the GUI thread waits
 
     std::vector<ObjectRef<GstElement>> m_sinks;
 };

@@ -24,13 +24,13 @@ public:
     /// [gui] Whether the video item has been initialised in the window that it is in.
     bool isItemInitialized() const;
 
-    /// [gui] For the slot that hears that the video item is initialised: whether the item still
-    /// uses the GL context that it used at the last call. False at the first one.
+    /// [gui] For the slot that runs when the video item has been initialised: whether the item
+    /// still uses the GL context that it used at the last call. False at the first one.
     bool keptContext();
 
     /// [any] gst_element_set_state() for a built pipeline that goes on living. `videoSink`
-    /// may be null, and need not have joined the pipeline. The caller keeps other changes of its
-    /// state away. To end a pipeline use gst_element_set_state(), which takes every element to
+    /// may be null, and need not have been added to the pipeline. The caller keeps other changes of
+    /// its state away. To end a pipeline use gst_element_set_state(), which takes every element to
     /// NULL.
     static GstStateChangeReturn changeState(GstElement *pipeline, GstElement *videoSink,
                                             GstState state);

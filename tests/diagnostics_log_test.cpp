@@ -12,7 +12,7 @@ namespace
 
 QByteArray logged()
 {
-    QFile log(QStringLiteral("/tmp/kvo.log"));
+    QFile log(QStringLiteral(MEDIAPLAYER_LOG));
     return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
 }
 
@@ -85,13 +85,13 @@ private Q_SLOTS:
             xprocf("missing");
             std::system("ln -s /bin/echo /opt/checkThreads");
             xprocf("installed");
-            std::system("mv /tmp/kvo.log /tmp/other; ln -s other /tmp/kvo.log");
+            std::system("mv " MEDIAPLAYER_LOG " /tmp/other; ln -s other " MEDIAPLAYER_LOG);
             xprocf("linked");
-            std::system("chown -h 1:1 /tmp/kvo.log");
+            std::system("chown -h 1:1 " MEDIAPLAYER_LOG);
             xprocf("somebody else's");
             output = captured.text();
         }
-        std::system("mv /tmp/other /tmp/kvo.log");
+        std::system("mv /tmp/other " MEDIAPLAYER_LOG);
         const QByteArray number = QByteArray::number(getpid()) + '\n';
         QCOMPARE(logged(), "off\nmissing\ninstalled\n" + number + "linked\n" + number);
         QCOMPARE(output, "xprocf failed: 32512\nxprintf failed: 40\nxprocf failed: -1\n");

@@ -74,10 +74,11 @@ class Copy:
     def complaint(self, test, seconds):
         """The first that a test says against the copy, None for nothing. Runs it as CTest does,
         where the copy's scene files are the installed ones."""
-        command = ('mount --bind "$0/qml" /opt/VexadorControl && mount --bind "$1" /tmp && exec'
+        command = ('. cmake/steps.sh && mount --bind "$0/qml" "$sceneDir"'
+                   ' && mount --bind "$1" /tmp && exec'
                    ' ctest --test-dir "$2" --verbose --no-tests=error -R "^$3\\$"')
         running = subprocess.Popen(["timeout", f"{seconds:.0f}", "unshare", "-m", "-p", "--fork",
-                                    "--kill-child", "--mount-proc", "sh", "-c", command,
+                                    "--kill-child", "--mount-proc", "bash", "-c", command,
                                     self.source, self.tmp, self.build_folder, f"{test}_test"],
                                    env=self.environment, stdout=subprocess.PIPE,
                                    stderr=subprocess.STDOUT, text=True, errors="replace")

@@ -1,7 +1,7 @@
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
 #include "tests/interleaving.h"
 #include "tests/server.h"
-#include "view/Relay.h"
 
 // What plays from a network that is slow, stalls or breaks waits, and goes on where it was.
 

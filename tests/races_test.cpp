@@ -235,7 +235,7 @@ private Q_SLOTS:
                 // In NULL the bus takes nothing.
                 if (!blockUntil([&] {
                         return generationOf(view()) != before
-                            && recordedState(pipeline()).current > GST_STATE_NULL;
+                            && stateNow(pipeline()).current > GST_STATE_NULL;
                     }))
                     return;
                 postError(pipeline());

@@ -27,7 +27,7 @@ private Q_SLOTS:
         const QByteArray scene = qgetenv("SCENE");
         QVERIFY(scenes.contains(scene));
         for (const char *name : {"VideoObjectQt6.qml", "QMLView.qml"}) {
-            QFile file(QStringLiteral("/opt/VexadorControl/") + QLatin1String(name));
+            QFile file(QStringLiteral(MEDIAPLAYER_SCENE_DIR "/") + QLatin1String(name));
             // A machine's own scene is never overwritten.
             if (scene != "missing" && !file.exists())
                 QVERIFY(file.open(QIODevice::WriteOnly) && file.write(scenes[scene]) > 0);

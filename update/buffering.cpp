@@ -2,9 +2,9 @@
 
 #include "boundary/AtomicAccess.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/Relay.h"
 #include "pipeline/stateChange.h"
 #include "update/messages.h"
-#include "view/Relay.h"
 
 #include <utility>
 
@@ -62,8 +62,7 @@ gint64 bytesReadBy(GstElement *pipeline)
 bool awaitsData(const Supply &supply, GstElement *current)
 {
     return supply.fromNetwork && !supply.failed
-        && (supply.mayPause ? supply.isShort()
-                            : recordedState(current).last == GST_STATE_CHANGE_ASYNC);
+        && (supply.mayPause ? supply.isShort() : stateNow(current).last == GST_STATE_CHANGE_ASYNC);
 }
 
 } // namespace

@@ -3,8 +3,8 @@
 #include "boundary/AtomicAccess.h"
 #include "boundary/Record.h"
 #include "diagnostics/Trace.h"
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
-#include "view/Relay.h"
 
 #include <QtCore/QVariant>
 
@@ -55,7 +55,7 @@ Answer goToState(MediaPlayerView &view, const Record &record)
         const Guard guard(view.lock);
         view.shared.awaitsItem = false; // what comes of this request is told
     }
-    view.relay->setHushed(false);
+    view.relay->setErrorsIgnored(false);
     view.updateSize(false);
     const std::int32_t wanted = record.playState();
     if (wanted != GST_STATE_NULL) {

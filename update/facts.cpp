@@ -55,7 +55,7 @@ void addSeekable(QVariantMap &facts, GstElement *pipeline)
 void addLive(QVariantMap &facts, GstElement *pipeline, GstPad *sinkPad)
 {
     const QueryRef latency(gst_query_new_latency());
-    gboolean live = recordedState(pipeline).last == GST_STATE_CHANGE_NO_PREROLL;
+    gboolean live = stateNow(pipeline).last == GST_STATE_CHANGE_NO_PREROLL;
     if (!live && (!sinkPad || !gst_pad_peer_query(sinkPad, latency.get())))
         return;
     if (!live)

@@ -3,11 +3,11 @@
 #include "boundary/AtomicAccess.h"
 #include "boundary/Record.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/Relay.h"
 #include "pipeline/stateChange.h"
 #include "update/buffering.h"
 #include "update/facts.h"
 #include "update/messages.h"
-#include "view/Relay.h"
 
 #include <poll.h>
 
@@ -40,22 +40,22 @@ bool drain(MediaPlayerView &view, GstElement *current)
     auto deadline = Clock::now() + quietTime;
     do {
         keepToSupply(view, current);
-        switch (hearOne(view, current, bus.get())) {
-        case Heard::Message:
+        switch (popMessage(view, current, bus.get())) {
+        case PopResult::Message:
             deadline = Clock::now() + quietTime;
             break;
-        case Heard::Nothing:
+        case PopResult::Nothing:
             break;
-        case Heard::NotItsTurn:
+        case PopResult::NotItsTurn:
             return true;
-        case Heard::OtherPipeline:
+        case PopResult::OtherPipeline:
             return false;
         }
     } while (waitForBus(bus.get(), std::min(deadline, end)));
     return true;
 }
 
-void tell(MediaPlayerView &view, const GstElement *current, const QVariantMap &facts)
+void publishFacts(MediaPlayerView &view, const GstElement *current, const QVariantMap &facts)
 {
     if (!facts.isEmpty()) // it has prerolled
         view.relay->dropOldError();
@@ -95,14 +95,13 @@ void publish(MediaPlayerView &view, GstElement *current)
     const bool executing = record.isExecuting();
     const std::int32_t command = record.command();
     if (!(executing && command == MediaPlayerCommandPlayState))
-        record.publishState(view.relay->supply.held ? GST_STATE_PAUSED
-                                                    : recordedState(current).current);
+        record.publishState(view.relay->supply.held ? GST_STATE_PAUSED : stateNow(current).current);
     if (view.shared.generation != before)
         return;
     if (!(executing && command == MediaPlayerCommandSeek))
         record.publishPosition(position);
     record.publishDuration(duration);
-    tell(view, current, facts);
+    publishFacts(view, current, facts);
 }
 
 } // namespace

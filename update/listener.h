@@ -3,7 +3,7 @@
 
 #include "view/MediaPlayerView.h"
 
-// What the update thread hears from GStreamer and tells the host. [update]
+// What the update thread takes from GStreamer and publishes for the host. [update]
 
 /// Drains the current pipeline's bus until it has been quiet for 100 ms, and for 250 ms at most;
 /// then publishes state, position and duration. Needs an active pipeline that is not marked for

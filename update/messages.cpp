@@ -3,8 +3,8 @@
 #include "boundary/AtomicAccess.h"
 #include "boundary/Record.h"
 #include "pipeline/GstHandle.h"
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
-#include "view/Relay.h"
 
 #include <cstring>
 #include <memory>
@@ -31,7 +31,7 @@ GstState newStateOf(GstMessage *message)
 }
 
 /// The pipeline itself has begun to play, rather than one of its elements.
-bool tellsOfPlaying(GstMessage *message)
+bool isPipelinePlaying(GstMessage *message)
 {
     return newStateOf(message) == GST_STATE_PLAYING
         && std::strncmp(GST_MESSAGE_SRC_NAME(message), pipelineNamePrefix,
@@ -86,13 +86,13 @@ void note(MediaPlayerView &view, const GstElement *current, GstMessage *message)
     } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED) {
         if (const Record record {view.params})
             record.publishState(newStateOf(message));
-        if (tellsOfPlaying(message))
+        if (isPipelinePlaying(message))
             view.hideOverlayOf(current);
     }
 }
 
 struct Taken {
-    Heard heard;
+    PopResult result;
     MessageRef message; ///< null where there is nothing to act on
 };
 
@@ -100,20 +100,20 @@ Taken take(MediaPlayerView &view, GstElement *current, GstBus *bus) REQUIRES(vie
 {
     const Guard guard(view.lock);
     if (!listensTo(view, current))
-        return {Heard::OtherPipeline, nullptr};
+        return {PopResult::OtherPipeline, nullptr};
     if (view.shared.commandRunning)
-        return {Heard::NotItsTurn, nullptr};
+        return {PopResult::NotItsTurn, nullptr};
     if (std::exchange(view.shared.flushedErrorOf, nullptr) == current) {
         answerError(view, current);
-        return {Heard::Message, nullptr};
+        return {PopResult::Message, nullptr};
     }
     MessageRef message(gst_bus_pop_filtered(bus, handledMessages));
     if (!message)
-        return {Heard::Nothing, nullptr};
+        return {PopResult::Nothing, nullptr};
     if (isOvertaken(view, message.get()))
-        return {Heard::Message, nullptr};
+        return {PopResult::Message, nullptr};
     note(view, current, message.get());
-    return {Heard::Message, std::move(message)};
+    return {PopResult::Message, std::move(message)};
 }
 
 void countEnd(MediaPlayerView &view, const GstElement *current)
@@ -125,14 +125,14 @@ void countEnd(MediaPlayerView &view, const GstElement *current)
 }
 
 /// What may print or write a file: no lock is held.
-void tell(GstElement *current, GstMessage *message)
+void dumpOrPrint(GstElement *current, GstMessage *message)
 {
     switch (GST_MESSAGE_TYPE(message)) {
     case GST_MESSAGE_ERROR:
         dumpGraph(current);
         break;
     case GST_MESSAGE_STATE_CHANGED:
-        if (tellsOfPlaying(message))
+        if (isPipelinePlaying(message))
             dumpGraph(current);
         break;
     case GST_MESSAGE_EOS:
@@ -152,7 +152,7 @@ void act(MediaPlayerView &view, GstElement *current, GstMessage *message) RELEAS
     }
     view.sequence.release();
     if (message && current)
-        tell(current, message);
+        dumpOrPrint(current, message);
 }
 
 } // namespace
@@ -163,13 +163,13 @@ bool listensTo(MediaPlayerView &view, const GstElement *candidate)
         && loadAcquire(view.pipelineActive) && !loadRelaxed(view.rebindPending);
 }
 
-Heard hearOne(MediaPlayerView &view, GstElement *current, GstBus *bus)
+PopResult popMessage(MediaPlayerView &view, GstElement *current, GstBus *bus)
 {
     if (!view.sequence.tryAcquire())
-        return Heard::NotItsTurn;
+        return PopResult::NotItsTurn;
     const Taken taken = take(view, current, bus);
     act(view, current, taken.message.get());
-    return taken.heard;
+    return taken.result;
 }
 
 void MediaPlayerView::handle_message(GstMessage *message)

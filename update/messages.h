@@ -5,7 +5,7 @@
 
 // One message of the bus at a time. [update]
 
-enum class Heard {
+enum class PopResult {
     Message,
     Nothing, ///< the bus had none that matters
     NotItsTurn, ///< another thread is at the pipeline, or a command has not reported
@@ -13,7 +13,7 @@ enum class Heard {
 };
 
 /// Takes one message off the bus of `current` and does what it says. Never waits for a turn.
-Heard hearOne(MediaPlayerView &view, GstElement *current, GstBus *bus)
+PopResult popMessage(MediaPlayerView &view, GstElement *current, GstBus *bus)
     EXCLUDES(view.sequence, view.lock);
 
 /// Whether `candidate` is current, active and not marked for re-binding, and has a record to write.

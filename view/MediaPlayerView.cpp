@@ -3,11 +3,11 @@
 #include "boundary/AtomicAccess.h"
 #include "boundary/Record.h"
 #include "diagnostics/Trace.h"
+#include "pipeline/Relay.h"
 #include "pipeline/builtPipelines.h"
 #include "pipeline/sequences.h"
 #include "update/cThread.h"
 #include "update/updateThread.h"
-#include "view/Relay.h"
 #include "view/liveViews.h"
 #include "view/placement.h"
 #include "view/scene.h"
@@ -67,8 +67,7 @@ MediaPlayerView::~MediaPlayerView()
     if (pipeline) {
         const Turn turn(*this);
         // The thread may have been inside a sequence that raised the pipeline once more.
-        gst_element_set_state(pipeline, GST_STATE_NULL);
-        awaitNull(pipeline);
+        takeToNull(pipeline);
         releaseCurrent(*this);
     }
     delete thread;
@@ -97,13 +96,13 @@ void MediaPlayerView::updateReferences(QWindow *hostWindow, QQuickItem *hostItem
     Record(params).answerRebinding();
 }
 
-void MediaPlayerView::bind(const QObject *control, MediaPlayerParams *block)
+void MediaPlayerView::bind(const QObject *control, MediaPlayerParams *hostRecord)
 {
     assertGuiThread();
     life.bound = true;
     life.control = control;
     const Guard guard(lock);
-    storeRelease(params, block);
+    storeRelease(params, hostRecord);
 }
 
 void MediaPlayerView::scheduleDeletion()

@@ -76,8 +76,8 @@ public:
     /// Applies the record's volume. The argument is not used.
     void updateSize(bool);
 
-    /// Serves `block` from now on, and ends with `control` rather than with one bound before.
-    void bind(const QObject *control, MediaPlayerParams *block) EXCLUDES(lock);
+    /// Serves `hostRecord` from now on, and ends with `control` rather than with one bound before.
+    void bind(const QObject *control, MediaPlayerParams *hostRecord) EXCLUDES(lock);
 
     /// Call when libraries may have been loaded: exit() stops what plays before it ends those.
     static void librariesLoaded();

@@ -1,6 +1,7 @@
 #include "view/liveViews.h"
 
 #include "boundary/AtomicAccess.h"
+#include "pipeline/stateChange.h"
 #include "update/cThread.h"
 #include "view/MediaPlayerView.h"
 
@@ -26,7 +27,7 @@ void stopLiveViews()
         storeRelease(view->pipelineActive, false);
         view->thread->destroyThread();
         if (view->pipeline)
-            gst_element_set_state(view->pipeline, GST_STATE_NULL);
+            takeToNull(view->pipeline);
     }
     list().clear();
 }

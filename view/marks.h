@@ -11,7 +11,7 @@
 
 // What a view remembers beside its documented members, by what guards it.
 
-/// Guarded by the view's `lock`: what must hold still while a message or an answer is recorded.
+/// Guarded by the view's `lock`: what must hold still while a message or an answer is written.
 struct RunMarks {
     /// Goes up with every change down to READY or NULL, every switch and every seek, so that what
     /// was queried before is not published after.

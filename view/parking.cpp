@@ -1,9 +1,9 @@
 #include "view/parking.h"
 
 #include "boundary/Record.h"
+#include "pipeline/Relay.h"
 #include "pipeline/sequences.h"
 #include "view/MediaPlayerView.h"
-#include "view/Relay.h"
 #include "view/placement.h"
 
 namespace

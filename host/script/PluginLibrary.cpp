@@ -5,8 +5,9 @@
 
 #include <atomic>
 
-static const QLatin1String sceneFiles[] = {QLatin1String("/opt/VexadorControl/VideoObjectQt6.qml"),
-                                           QLatin1String("/opt/VexadorControl/QMLView.qml")};
+static const QLatin1String sceneFiles[] = {
+    QLatin1String(MEDIAPLAYER_SCENE_DIR "/VideoObjectQt6.qml"),
+    QLatin1String(MEDIAPLAYER_SCENE_DIR "/QMLView.qml")};
 
 template <typename Symbol>
 static QString resolve(QLibrary &library, const char *name, Symbol &symbol)

@@ -1,4 +1,4 @@
-#include "view/Relay.h"
+#include "pipeline/Relay.h"
 
 #include <QtCore/QPointer>
 
@@ -20,7 +20,7 @@ constexpr QLatin1String seekable("seekable");
 
 void Relay::close()
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     m_view = nullptr;
 }
 
@@ -31,13 +31,13 @@ void Relay::reset()
     supply.failed = false;
     supply.held = false;
     ++supply.run;
-    m_hushed = false;
+    m_errorsIgnored = false;
     m_told = Fault::None;
 }
 
 void Relay::follow(const GstElement *media, bool fromNetwork)
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     reset();
     supply.fromNetwork = fromNetwork;
     supply.takesRanges = true;
@@ -49,42 +49,42 @@ void Relay::follow(const GstElement *media, bool fromNetwork)
 
 void Relay::beginRun()
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     reset();
     apply([](QVariantMap &values) { values.remove(buffering); });
 }
 
 void Relay::refuse(const QString &why)
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     m_refused = true;
     apply([&why](QVariantMap &values) { values[errorText] = why; });
 }
 
 void Relay::accept()
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     if (std::exchange(m_refused, false))
         apply([](QVariantMap &values) { values.remove(errorText); });
 }
 
-void Relay::setHushed(bool hushed)
+void Relay::setErrorsIgnored(bool ignored)
 {
-    const std::lock_guard guard(m_mutex);
-    m_hushed = hushed;
+    const Guard guard(m_mutex);
+    m_errorsIgnored = ignored;
 }
 
 void Relay::dropOldError()
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     if (m_told == Fault::None && !m_refused && !m_seekRefused)
         apply([](QVariantMap &values) { values.remove(errorText); });
 }
 
 void Relay::report(const GstElement *media, Fault fault, const QString &text)
 {
-    const std::lock_guard guard(m_mutex);
-    if (media != m_media || m_hushed)
+    const Guard guard(m_mutex);
+    if (media != m_media || m_errorsIgnored)
         return;
     const bool isNews = fault > m_told;
     if (isNews) {
@@ -102,7 +102,7 @@ void Relay::report(const GstElement *media, Fault fault, const QString &text)
 
 void Relay::sought(const GstElement *media, bool taken)
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     if (media != m_media)
         return;
     m_seekRefused = !taken;
@@ -119,12 +119,12 @@ void Relay::sought(const GstElement *media, bool taken)
 
 void Relay::change(const GstElement *media, const Edit &edit)
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     if (media != m_media || !media)
         return;
-    apply([&](QVariantMap &values) {
+    apply([&, seekRefused = m_seekRefused](QVariantMap &values) {
         edit(values);
-        if (m_seekRefused || !supply.takesRanges)
+        if (seekRefused || !supply.takesRanges)
             values[seekable] = false; // whatever the source says of itself
     });
 }
@@ -141,7 +141,7 @@ void Relay::apply(const Edit &edit)
 
 QVariant Relay::value(const char *name)
 {
-    const std::lock_guard guard(m_mutex);
+    const Guard guard(m_mutex);
     return m_values.value(QLatin1String(name));
 }
 
@@ -151,7 +151,7 @@ void Relay::show()
 {
     QPointer<QObject> view;
     {
-        const std::lock_guard guard(m_mutex);
+        const Guard guard(m_mutex);
         view = m_view;
         m_onItsWay = false;
     }

@@ -1,4 +1,4 @@
-#include "pipeline/overheard.h"
+#include "pipeline/messageWatch.h"
 
 #include "pipeline/GstHandle.h"
 #include "pipeline/tags.h"
@@ -21,22 +21,21 @@ Relay::Fault faultOf(const GError *error)
     return follows ? Relay::Fault::Consequence : Relay::Fault::Error;
 }
 
-void tellOfError(const Overheard &overheard, GstMessage *message)
+void publishError(const MessageWatch &watch, GstMessage *message)
 {
     GError *error = nullptr;
     gst_message_parse_error(message, &error, nullptr);
-    overheard.relay->report(overheard.media, faultOf(error), QString::fromUtf8(error->message));
+    watch.relay->report(watch.media, faultOf(error), QString::fromUtf8(error->message));
     g_error_free(error);
 }
 
-void tellOfMissingPlugin(const Overheard &overheard, GstMessage *message)
+void publishMissingPlugin(const MessageWatch &watch, GstMessage *message)
 {
     if (!gst_is_missing_plugin_message(message))
         return;
     const GlibText missing(gst_missing_plugin_message_get_description(message));
-    overheard.relay->report(
-        overheard.media, Relay::Fault::Missing,
-        QStringLiteral("Not installed: %1").arg(QString::fromUtf8(missing.get())));
+    watch.relay->report(watch.media, Relay::Fault::Missing,
+                        QStringLiteral("Not installed: %1").arg(QString::fromUtf8(missing.get())));
 }
 
 struct Header {
@@ -63,7 +62,7 @@ const char *valueOf(const GstStructure *headers, const char *name)
 /// GStreamer takes every server that tells a length for one that can begin in the middle. Where it
 /// cannot, a seek ends the media with an error, so it has to be known before. A playlist's own
 /// server says nothing of the pieces.
-void tellOfServer(const Overheard &overheard, GstMessage *message)
+void publishServer(const MessageWatch &watch, GstMessage *message)
 {
     if (!gst_message_has_name(message, "http-headers"))
         return;
@@ -79,18 +78,18 @@ void tellOfServer(const Overheard &overheard, GstMessage *message)
     const bool lists = type && (std::strstr(type, "mpegurl") || std::strstr(type, "dash"));
     const bool takesRanges =
         lists || status == 206 || (ranges && g_ascii_strcasecmp(ranges, "none") != 0);
-    overheard.relay->change(
-        overheard.media, [&](QVariantMap &) { overheard.relay->supply.takesRanges = takesRanges; });
+    watch.relay->change(watch.media,
+                        [&](QVariantMap &) { watch.relay->supply.takesRanges = takesRanges; });
 }
 
-void tellOfSupply(const Overheard &overheard, GstMessage *message)
+void publishSupply(const MessageWatch &watch, GstMessage *message)
 {
-    Supply &supply = overheard.relay->supply;
+    Supply &supply = watch.relay->supply;
     if (!supply.fromNetwork)
         return;
     int percent = 0;
     gst_message_parse_buffering(message, &percent);
-    overheard.relay->change(overheard.media, [&](QVariantMap &values) {
+    watch.relay->change(watch.media, [&](QVariantMap &values) {
         supply.percent = percent;
         if (supply.isShort() && !supply.failed && !values.value(QStringLiteral("live")).toBool())
             values[QStringLiteral("buffering")] = percent;
@@ -102,20 +101,20 @@ void tellOfSupply(const Overheard &overheard, GstMessage *message)
 // Runs on streaming threads and on whoever changes a state.
 GstBusSyncReply onMessage(GstBus *, GstMessage *message, gpointer data)
 {
-    auto &overheard = *static_cast<Overheard *>(data);
+    auto &watch = *static_cast<MessageWatch *>(data);
     switch (GST_MESSAGE_TYPE(message)) {
     case GST_MESSAGE_ERROR:
-        tellOfError(overheard, message);
+        publishError(watch, message);
         break;
     case GST_MESSAGE_ELEMENT:
-        tellOfMissingPlugin(overheard, message);
-        tellOfServer(overheard, message);
+        publishMissingPlugin(watch, message);
+        publishServer(watch, message);
         break;
     case GST_MESSAGE_TAG:
-        tellOfTags(overheard, message);
+        publishTags(watch, message);
         break;
     case GST_MESSAGE_BUFFERING:
-        tellOfSupply(overheard, message);
+        publishSupply(watch, message);
         break;
     default:
         break;
@@ -125,7 +124,7 @@ GstBusSyncReply onMessage(GstBus *, GstMessage *message, gpointer data)
 
 } // namespace
 
-bool Overheard::replaceCover(GstBuffer *picture)
+bool MessageWatch::replaceCover(GstBuffer *picture)
 {
     GstBuffer *const before = cover.exchange(picture ? gst_buffer_ref(picture) : nullptr);
     if (before)
@@ -133,10 +132,10 @@ bool Overheard::replaceCover(GstBuffer *picture)
     return picture != before;
 }
 
-void overhear(GstElement *pipeline, const QSharedPointer<Relay> &relay)
+void watchMessages(GstElement *pipeline, const QSharedPointer<Relay> &relay)
 {
     gst_pb_utils_init();
     const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline));
-    gst_bus_set_sync_handler(bus.get(), onMessage, new Overheard {relay, pipeline},
-                             [](gpointer data) { delete static_cast<Overheard *>(data); });
+    gst_bus_set_sync_handler(bus.get(), onMessage, new MessageWatch {relay, pipeline},
+                             [](gpointer data) { delete static_cast<MessageWatch *>(data); });
 }

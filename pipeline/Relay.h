@@ -1,6 +1,8 @@
 #ifndef RELAY_H
 #define RELAY_H
 
+#include "view/Locks.h"
+
 #include <gst/gst.h>
 
 #include <QtCore/QSharedPointer>
@@ -9,7 +11,6 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
-#include <mutex>
 
 /// How the data of the current media come in. [any]
 struct Supply {
@@ -68,7 +69,7 @@ public:
     void accept();
 
     /// [gui] Drops the errors of this run, since the picture cannot take frames yet; or no longer.
-    void setHushed(bool hushed);
+    void setErrorsIgnored(bool ignored);
 
     /// [any] The present run has prerolled, which is the last word on the errors of earlier ones.
     void dropOldError();
@@ -87,21 +88,21 @@ public:
     SupplyWatch watch;
 
 private:
-    void reset(); // the mutex is held
-    void apply(const Edit &edit); // likewise
+    void reset() REQUIRES(m_mutex);
+    void apply(const Edit &edit) REQUIRES(m_mutex);
     QVariant value(const char *name);
     void show();
 
-    std::mutex m_mutex;
-    // Guarded by it.
-    QObject *m_view;
-    const GstElement *m_media = nullptr;
-    QVariantMap m_values;
-    bool m_onItsWay = false; ///< to the GUI thread
-    bool m_refused = false;
-    bool m_hushed = false;
-    Fault m_told = Fault::None; ///< of this run, in errorText; an older text stays until then
-    bool m_seekRefused = false;
+    Mutex m_mutex;
+    QObject *m_view GUARDED_BY(m_mutex);
+    const GstElement *m_media GUARDED_BY(m_mutex) = nullptr;
+    QVariantMap m_values GUARDED_BY(m_mutex);
+    bool m_onItsWay GUARDED_BY(m_mutex) = false; ///< to the GUI thread
+    bool m_refused GUARDED_BY(m_mutex) = false;
+    bool m_errorsIgnored GUARDED_BY(m_mutex) = false;
+    /// Of this run, in errorText; an older text stays until then.
+    Fault m_told GUARDED_BY(m_mutex) = Fault::None;
+    bool m_seekRefused GUARDED_BY(m_mutex) = false;
 };
 
 #endif
