@@ -167,7 +167,9 @@ private Q_SLOTS:
         QCOMPARE(host.load(media("yellow.mp4")), complete);
         host.control->SysNativeControlShow(1);
         AWAIT_EQUAL(host.picture(), "YYYY");
+        const auto shown = generationOf(view);
         QCOMPARE(host.load(media("./quadrants.webm")), complete); // has never prerolled
+        AWAIT_EQUAL(generationOf(view), shown + 3); // the switch, and the preroll of a new film
         AWAIT_EQUAL(host.picture(), "RGBW");
         AWAIT_EQUAL(host.overlay(), QString());
         QCOMPARE(host.load(media("quadrants.webm")), complete); // has, in the window that is gone

@@ -1,5 +1,7 @@
 #include "tests/interleaving.h"
 
+#include "pipeline/stateChange.h"
+
 #include <QtQuick/QQuickWindow>
 
 #include <unistd.h>
@@ -47,6 +49,12 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(host.overlay(), QString());
         QCOMPARE(int(loadRelaxed(host.record.error)), 0);
+
+        // Its sink refuses every state until it is shown. The film stops all the same.
+        GstElement *const film = host.view()->source;
+        QCOMPARE(host.load(media("tone.flac")), complete);
+        QVERIFY(!isAboveReady(film));
+        QCOMPARE(host.load(media("quadrants.webm")), complete);
         host.setShown(true);
         AWAIT_EQUAL(host.picture(), "RGBW");
         AWAIT_EQUAL(host.state(), GST_STATE_PAUSED);

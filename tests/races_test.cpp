@@ -223,6 +223,27 @@ private Q_SLOTS:
         QVERIFY(m_host->position() != untouched);
     }
 
+    // The host's code runs inside a change of state, as a handler of GStreamer's log does.
+    void aChangeInsideAChangeIsRefused()
+    {
+        static std::atomic<int> answer;
+        answer = -1;
+        const ObjectRef<GstBus> bus(gst_element_get_bus(pipeline()));
+        const auto ask = [](GstBus *, GstMessage *, gpointer asked) {
+            if (QThread::currentThread() == qApp->thread() && answer < 0)
+                answer = static_cast<MediaPlayerView *>(asked)->gstElementSetState(GST_STATE_READY);
+            return GST_BUS_PASS;
+        };
+        gst_bus_set_sync_handler(bus.get(), ask, view(), nullptr);
+        std::jthread watch([] {
+            if (!blockUntil([] { return answer >= 0; }))
+                qFatal("a change of state waits for itself");
+        });
+        playAtOnce(*m_host, GST_STATE_PAUSED);
+        QCOMPARE(int(answer), int(GST_STATE_CHANGE_FAILURE));
+        AWAIT_EQUAL(m_host->pipelineStates().first(), int(GST_STATE_PAUSED));
+    }
+
     // The listener gets its turn as soon as the preroll is over.
     void errorOfThePrerollStays()
     {

@@ -82,6 +82,12 @@ private Q_SLOTS:
             g_error_free(error);
         };
         QCOMPARE(orderOf(host.record, fail), "Edb");
+
+        // An end writes the state that it leads to, before a pass publishes it.
+        storeRelaxed(host.record.state, 0);
+        GstElement *const pipeline = host.view()->pipeline;
+        host.view()->handle_message(gst_message_new_eos(GST_OBJECT(pipeline)));
+        QCOMPARE(host.state(), GST_STATE_PAUSED);
     }
 };
 
