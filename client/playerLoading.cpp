@@ -82,7 +82,7 @@ void PlayerPrivate::accepted()
     m_toSilence = false;
     m_phase = Phase::Prerolling;
     m_sentState = MediaPlayerStatePaused;
-    m_endsSeen = 0;
+    m_endsSeen = link.property("endOfMedia").toInt(); // what is loaded again keeps its count
     m_patience = 0;
     MediaPlayerParams &record = link.record();
     record.keepAspectRatio = 0;

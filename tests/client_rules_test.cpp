@@ -227,6 +227,13 @@ void ClientRulesTest::stopAndLoops()
         AWAIT(round == 1 ? player().position() < 5000 : states.size() == 1);
     }
     QCOMPARE(player().mediaStatus(), Player::EndOfMedia);
+
+    // The plug-in has it still behind a failure, and counts its ends on.
+    player().setSource(media("none.flac"));
+    AWAIT_EQUAL(player().mediaStatus(), Player::InvalidMedia);
+    player().setSource(media("tone.flac"));
+    player().play();
+    AWAIT(plays(player(), 200));
 }
 
 void ClientRulesTest::soundWithoutPlace()
