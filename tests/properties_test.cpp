@@ -185,12 +185,12 @@ private Q_SLOTS:
 
     void whatIsMendedIsTakenBack()
     {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("a.flac"));
         Host host(Host::Quick);
-        {
-            const Missing missing {"flacdec", "avdec_flac"};
-            host.open(media("tone.flac"));
-            AWAIT(!errorText(host).isEmpty());
-        }
+        host.open(QUrl::fromLocalFile(path).toEncoded());
+        AWAIT(!errorText(host).isEmpty());
+        QVERIFY(QFile::copy(QUrl(QString::fromUtf8(media("tone.flac"))).toLocalFile(), path));
         QCOMPARE(host.play(GST_STATE_NULL), complete);
         AWAIT(errorText(host).isEmpty());
     }
