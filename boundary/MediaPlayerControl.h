@@ -12,8 +12,8 @@ class MediaPlayerView;
 struct MediaPlayerParams;
 class QQuickWindow;
 
-/// One native control. It is thin: it knows the host's window and item, and leads the host's
-/// record to a MediaPlayerView, which does the work and may outlive it. GUI thread only.
+/// [gui] One native control. It is thin: it knows the host's window and item, and leads the host's
+/// record to a MediaPlayerView, which does the work and may outlive it.
 class MediaPlayerControl : public BasicWidget
 {
     Q_OBJECT

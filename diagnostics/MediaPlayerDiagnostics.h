@@ -23,14 +23,15 @@ MEDIAPLAYER_EXPORT extern unsigned char enableWorkaround;
 /// Appends `message`, byte for byte, and a line feed to /tmp/kvo.log, which is made where it is
 /// missing. Any thread; blocks until written; lines of several threads never mix. Of a longer
 /// message the first 176 bytes are written, less an unfinished UTF-8 character at their end. Null
-/// does nothing. A symbolic link at the log's path is not followed. A failure leaves the file as
-/// it is and is told only while tracing: "xprintf failed: " and the number of the system error.
+/// does nothing. A symbolic link at the log's path is followed if it belongs to the calling user,
+/// and refused otherwise. A failure leaves the file as it is and is told only while tracing:
+/// "xprintf failed: " and the number of the system error.
 MEDIAPLAYER_EXPORT void xprintf(const char *message);
 
 /// xprintf(message), then has the shell append what the program /opt/checkThreads prints about
 /// this process. Blocks until the program has ended. Null does nothing. A failure of the program
 /// is told only while tracing: "xprocf failed: " and the status that system() gave, or -1 where
-/// the shell was not asked because the log is a symbolic link.
+/// the log cannot be written; the shell is then not asked.
 MEDIAPLAYER_EXPORT void xprocf(const char *message);
 }
 

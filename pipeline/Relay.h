@@ -61,7 +61,8 @@ public:
     /// [gui] Another media is current, or none. What was said of the one before is void.
     void follow(const GstElement *media, bool fromNetwork);
 
-    /// The pipeline is down: what was under way is void. By whoever took it down.
+    /// [any] Call when the pipeline has been taken down. What is known of its supply no longer
+    /// holds, and the next error counts as the first.
     void beginRun();
 
     /// [gui] Says why a load was refused; or takes that back, since the next one was not.

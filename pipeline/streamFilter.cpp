@@ -59,9 +59,9 @@ WayUp wayUpOn(GstPad *pad)
     return found;
 }
 
-/// A decoder has had its tags before it sends its first format, and sends them after it.
-/// GStreamer's item takes a format that no frame follows for that of the next frame, so the
-/// picture's format before it is turned had better never come there.
+/// What the tags on a decoder's pad say, or those that have come to its input: a decoder sends its
+/// first format before its tags. The format of a picture that is still to be turned must not reach
+/// GStreamer's item, which would take the next frame to have it.
 WayUp wayUpOf(GstPad *pad)
 {
     WayUp found = wayUpOn(pad);
@@ -113,7 +113,7 @@ void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pa
     gst_element_sync_state_with_parent(first);
 }
 
-/// What a pad that the source shows stands for, in the end the decoder's own pad.
+/// The ghost pad's target; null for a real pad.
 ObjectRef<GstPad> targetOf(GstPad *pad)
 {
     return ObjectRef<GstPad>(GST_IS_GHOST_PAD(pad) ? gst_ghost_pad_get_target(GST_GHOST_PAD(pad))

@@ -85,7 +85,7 @@ Item {
 
         visible: false
         anchors.centerIn: parent
-        // Not of the text's implicit width, which may move with the width that it is given.
+        // The text's `implicitWidth` depends on its `width`: a binding loop.
         width: Math.min(Math.ceil(overlayMetrics.advanceWidth) + 32, root.width)
         height: Math.min(overlayText.implicitHeight + 20, root.height)
         radius: 8

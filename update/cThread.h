@@ -27,7 +27,8 @@ public:
 
     /// Prepares the attributes and the mutex. `inheritSched` 1 takes `policy` and `priority`; any
     /// other number inherits the creator's scheduling. `stackSize` in bytes. The mutex is free
-    /// afterwards. A failing step prints one message, ends the sequence and is returned.
+    /// afterwards, unless a thread is running. A failing step prints one message, ends the sequence
+    /// and is returned.
     int threadInit(int inheritSched, int policy, int priority, int stackSize);
 
     /// Starts routine(arg) with all signals blocked, so that no handler of the host runs on the

@@ -86,7 +86,8 @@ Answer seek(MediaPlayerView &view, const Record &record)
     const std::uint32_t first = gst_util_seqnum_next();
     const auto flags = GstSeekFlags(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_KEY_UNIT);
     const bool takesRanges = view.relay->supply.takesRanges;
-    const bool hasPrerolled = isPrerolled(view.pipeline); // else nobody is there to refuse
+    // Before the preroll every seek fails, which says nothing of the source.
+    const bool hasPrerolled = isPrerolled(view.pipeline);
     const bool taken =
         takesRanges && gst_element_seek_simple(view.pipeline, GST_FORMAT_TIME, flags, target);
     if (taken || hasPrerolled || !takesRanges)
