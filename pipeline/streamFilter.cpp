@@ -73,8 +73,8 @@ WayUp wayUpOf(GstPad *pad)
 
 enum class News { Format, Tags };
 
-/// Makes room for the news that have come to `pad`, the deepest that `stream` stands for. A filter
-/// that is there stays if nothing else is needed, and for ever if it turns.
+/// Fits the filter to a format or to tags that have come to `pad`, the real pad behind `stream`. A
+/// filter that is there stays if nothing else is needed, and for ever if it turns.
 void adjust(GstElement *pipeline, const Chain &chain, GstPad *stream, GstPad *pad, News news,
             GstCaps *format)
 {
@@ -156,8 +156,8 @@ GstPadProbeReturn beforeEvent(GstPad *pad, GstPadProbeInfo *info, gpointer data)
     return GST_PAD_PROBE_OK;
 }
 
-/// What comes is met on the first pad that it passes, before those after it are asked whether they
-/// take it.
+/// Watches `stream` and every target behind it: a probe on the first pad that an event passes runs
+/// before the pads after it are asked whether they accept the format.
 void watch(GstElement *pipeline, const Chain &chain, GstPad *stream)
 {
     gst_pad_add_probe(stream, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, beforeEvent,
