@@ -196,13 +196,14 @@ private Q_SLOTS:
         AWAIT(host.state() == GST_STATE_PAUSED);
         QCOMPARE(host.play(GST_STATE_PLAYING), complete);
         AWAIT(host.told("live").isValid() && host.told("hasAudio").isValid());
-        AWAIT(host.state() == GST_STATE_PLAYING || uri.startsWith("testbin"));
-        const int state = host.state();
+        // The live pipeline may come to play at any time, or never.
+        const bool plays = !uri.startsWith("testbin");
+        AWAIT(host.state() == GST_STATE_PLAYING || !plays);
         GstElement *const pipeline = host.view()->pipeline;
         gst_element_post_message(pipeline, gst_message_new_buffering(GST_OBJECT(pipeline), 1));
         QVERIFY(blockForOnePass(host));
         QVERIFY(!host.view()->relay->supply.held);
-        QCOMPARE(host.state(), state);
+        QVERIFY(host.state() == GST_STATE_PLAYING || !plays);
         AWAIT(!host.told("buffering").isValid());
     }
 
