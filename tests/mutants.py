@@ -25,7 +25,7 @@ NOTICED = COPIES / "noticed.json"
 # From the quickest to the slowest. What a row names comes first.
 TESTS = ["reports", "thread", "diagnostics_inspector", "diagnostics_log", "view", "chain", "loading",
          "diagnostics_trace", "published", "host_reactions", "races", "waiting", "commands",
-         "quirks", "badMedia", "media", "exit", "lifecycle"]
+         "quirks", "properties", "client_rules", "badMedia", "media", "exit", "lifecycle"]
 
 
 class BuildFailed(Exception):
@@ -76,10 +76,10 @@ class Copy:
         where the copy's scene files are the installed ones."""
         command = ('. cmake/steps.sh && mount --bind "$0/qml" "$sceneDir"'
                    ' && mount --bind "$1" /tmp && exec'
-                   ' ctest --test-dir "$2" --verbose --no-tests=error -R "^$3\\$"')
+                   ' ctest --test-dir "$2" --verbose --no-tests=error -R "^$3(_test)?\\$"')
         running = subprocess.Popen(["timeout", f"{seconds:.0f}", "unshare", "-m", "-p", "--fork",
                                     "--kill-child", "--mount-proc", "bash", "-c", command,
-                                    self.source, self.tmp, self.build_folder, f"{test}_test"],
+                                    self.source, self.tmp, self.build_folder, test],
                                    env=self.environment, stdout=subprocess.PIPE,
                                    stderr=subprocess.STDOUT, text=True, errors="replace")
         last = ""
