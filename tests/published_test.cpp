@@ -38,6 +38,29 @@ private Q_SLOTS:
         AWAIT_EQUAL(host.duration(), 0);
     }
 
+    // The listener speaks of the film before when a load has begun that no command has asked for.
+    void theFilmBeforeHasNoSay()
+    {
+        Host host(Host::Quick);
+        openAndPlay(host);
+        static MediaPlayerView *view;
+        view = host.view();
+        GstElement *const before = view->pipeline;
+        const ObjectRef<GstBus> bus(gst_element_get_bus(before));
+        const auto speak = [](GstBus *, GstMessage *message, gpointer pipeline) {
+            if (GST_MESSAGE_SRC(message) == pipeline)
+                view->showOverlayOf(static_cast<GstElement *>(pipeline), QStringLiteral("before"));
+            return GST_BUS_PASS;
+        };
+        gst_bus_set_sync_handler(bus.get(), speak, before, nullptr);
+        host.setFileName(media("tone.flac") + '\0');
+        QVERIFY(view->loadFile());
+        gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+        QVERIFY(blockForOnePass(host));
+        QCoreApplication::processEvents();
+        QCOMPARE(host.overlay(), QLatin1String("Loading media ..."));
+    }
+
     // Its window has never been shown, so its first frame has never come.
     void aReturnHidesTheOverlay()
     {

@@ -67,6 +67,13 @@ bool awaitsData(const Supply &supply, GstElement *current)
 
 } // namespace
 
+// A pause that comes when the sinks have nothing left waits for data, too.
+bool standsForWantOfData(MediaPlayerView &view, GstElement *current)
+{
+    const Supply &supply = view.relay->supply;
+    return supply.held || (supply.isAwaited() && stateNow(current).pending == GST_STATE_PAUSED);
+}
+
 void keepToSupply(MediaPlayerView &view, GstElement *current)
 {
     if (!view.relay->supply.fromNetwork)

@@ -95,7 +95,8 @@ void publish(MediaPlayerView &view, GstElement *current)
     const bool executing = record.isExecuting();
     const std::int32_t command = record.command();
     if (!(executing && command == MediaPlayerCommandPlayState))
-        record.publishState(view.relay->supply.held ? GST_STATE_PAUSED : stateNow(current).current);
+        record.publishState(standsForWantOfData(view, current) ? GST_STATE_PAUSED
+                                                               : stateNow(current).current);
     if (view.shared.generation != before)
         return;
     if (!(executing && command == MediaPlayerCommandSeek))

@@ -69,25 +69,25 @@ void rewind(MediaPlayerView &view, const GstElement *current) REQUIRES(view.sequ
 }
 
 /// The host and the viewer get one plain answer; the error's own text is left unread.
-void answerError(MediaPlayerView &view) REQUIRES(view.lock)
+void answerError(MediaPlayerView &view, const GstElement *current) REQUIRES(view.lock)
 {
     if (view.shared.awaitsItem)
         return;
-    view.showOverlay(QStringLiteral("Error loading media"));
+    view.showOverlayOf(current, QStringLiteral("Error loading media"));
     if (const Record record {view.params})
         record.answerMediaError();
 }
 
 /// Writes what the message means into the record.
-void note(MediaPlayerView &view, GstMessage *message) REQUIRES(view.lock)
+void note(MediaPlayerView &view, const GstElement *current, GstMessage *message) REQUIRES(view.lock)
 {
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
-        answerError(view);
+        answerError(view, current);
     } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_STATE_CHANGED) {
         if (const Record record {view.params})
             record.publishState(newStateOf(message));
         if (isPipelinePlaying(message))
-            view.hideOverlay();
+            view.hideOverlayOf(current);
     }
 }
 
@@ -104,7 +104,7 @@ Taken take(MediaPlayerView &view, GstElement *current, GstBus *bus) REQUIRES(vie
     if (view.shared.commandRunning)
         return {PopResult::NotItsTurn, nullptr};
     if (std::exchange(view.shared.flushedErrorOf, nullptr) == current) {
-        answerError(view);
+        answerError(view, current);
         return {PopResult::Message, nullptr};
     }
     MessageRef message(gst_bus_pop_filtered(bus, handledMessages));
@@ -112,7 +112,7 @@ Taken take(MediaPlayerView &view, GstElement *current, GstBus *bus) REQUIRES(vie
         return {PopResult::Nothing, nullptr};
     if (isOvertaken(view, message.get()))
         return {PopResult::Message, nullptr};
-    note(view, message.get());
+    note(view, current, message.get());
     return {PopResult::Message, std::move(message)};
 }
 
@@ -179,7 +179,7 @@ void MediaPlayerView::handle_message(GstMessage *message)
     GstElement *const current = pipeline;
     {
         const Guard guard(lock);
-        note(*this, message);
+        note(*this, current, message);
     }
     act(*this, current, message);
 }

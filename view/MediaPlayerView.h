@@ -90,9 +90,13 @@ public:
     /// Forgets the record for good, since another view serves it, and falls silent.
     void yieldRecord() EXCLUDES(sequence, lock);
 
-    // [any] The overlay over the picture, always by a posted call.
+    // The overlay over the picture, always by a posted call. The first two speak of what the
+    // caller does now; the last two, [any], of `subject`, and come to nothing if another pipeline
+    // is current when they arrive.
     void showOverlay(const QString &text);
     void hideOverlay();
+    void showOverlayOf(const GstElement *subject, const QString &text);
+    void hideOverlayOf(const GstElement *subject);
 
     /// Sizes and seats the video item by the crop margins. Can run the host's code.
     void placeVideoItem() EXCLUDES(sequence, lock);

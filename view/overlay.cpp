@@ -1,23 +1,52 @@
 #include "view/MediaPlayerView.h"
 
-// The overlay's functions stand in the scene, which only the GUI thread may reach. Every thread
-// posts to the view, which calls the scene at once, so the order of texts is the order of events.
+#include <functional>
 
-void MediaPlayerView::showOverlay(const QString &text)
+// The overlay's functions stand in the scene. The GUI thread posts to the scene itself. The video
+// object may only be reached there, so other threads post to the view, which calls the scene at
+// once: one hop in both cases, so the order of texts is the order of events.
+
+namespace
+{
+
+/// [any] By the time it arrives another file may be current.
+void postFor(MediaPlayerView &view, const GstElement *subject, const std::function<void()> &call)
 {
     QMetaObject::invokeMethod(
-        this,
-        [this, text] {
-            QMetaObject::invokeMethod(videoObject, "showOverlay", Qt::DirectConnection,
-                                      Q_ARG(QVariant, QVariant(text)));
+        &view,
+        [&view, subject, call] {
+            if (view.videoObject && subject && subject == view.pipeline)
+                call();
         },
         Qt::QueuedConnection);
 }
 
+} // namespace
+
+void MediaPlayerView::showOverlay(const QString &text)
+{
+    assertGuiThread();
+    QMetaObject::invokeMethod(videoObject, "showOverlay", Qt::QueuedConnection,
+                              Q_ARG(QVariant, QVariant(text)));
+}
+
 void MediaPlayerView::hideOverlay()
 {
-    QMetaObject::invokeMethod(
-        this,
-        [this] { QMetaObject::invokeMethod(videoObject, "hideOverlay", Qt::DirectConnection); },
-        Qt::QueuedConnection);
+    assertGuiThread();
+    QMetaObject::invokeMethod(videoObject, "hideOverlay", Qt::QueuedConnection);
+}
+
+void MediaPlayerView::showOverlayOf(const GstElement *subject, const QString &text)
+{
+    postFor(*this, subject, [this, text] {
+        QMetaObject::invokeMethod(videoObject, "showOverlay", Qt::DirectConnection,
+                                  Q_ARG(QVariant, QVariant(text)));
+    });
+}
+
+void MediaPlayerView::hideOverlayOf(const GstElement *subject)
+{
+    postFor(*this, subject, [this] {
+        QMetaObject::invokeMethod(videoObject, "hideOverlay", Qt::DirectConnection);
+    });
 }
