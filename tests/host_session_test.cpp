@@ -36,7 +36,8 @@ void HostSessionTest::opensFoldersAndLists()
         QFile file(folder.filePath(QLatin1String(name)));
         QVERIFY(file.open(QFile::WriteOnly) && file.write(text) == text.size());
     };
-    for (const char *name : {"films/10.mp4", "films/3.FLAC", "films/2/a.webm", "films/notes.txt"})
+    for (const char *name :
+         {"films/10.mp4", "films/3.FLAC", "films/2/a.webm", "films/notes.txt", "films/4.rmvb"})
         write(name, "x");
     write("films/all.m3u", "#EXTM3U\r\n#EXTINF:1,Ten\r\n10.mp4\r\nhttp://host/film.ts?a=b\r\n");
 
@@ -49,7 +50,7 @@ void HostSessionTest::opensFoldersAndLists()
     const auto at = [this](const char *name) {
         return QUrl::fromLocalFile(folder.filePath(QLatin1String(name)));
     };
-    QCOMPARE(names({at("films")}), QStringLiteral("a.webm 3.FLAC 10.mp4"));
+    QCOMPARE(names({at("films")}), QStringLiteral("a.webm 3.FLAC 4.rmvb 10.mp4"));
     QCOMPARE(names({at("films/all.m3u"), at("no.ogg")}), QStringLiteral("10.mp4 film.ts no.ogg"));
     QCOMPARE(mediaAt({at("films/all.m3u")}).value(0), at("films/10.mp4"));
 }
