@@ -83,13 +83,14 @@ void Session::playRow(int row)
     const QUrl media = theList.media(row);
     theList.setCurrent(row);
     theList.setProblem(row, {});
-    if (thePlayer.source() == media && thePlayer.error() == Player::NoError)
+    if (thePlayer.source() == media && thePlayer.error() == Player::NoError) {
         thePlayer.setPosition(0);
-    else
+    } else {
         thePlayer.setSource(media);
-    if (const qint64 place = theMemory.placeIn(media)) {
-        thePlayer.setPosition(place);
-        tell(tr("Goes on at %1; Home plays it from its start").arg(clockText(place)));
+        if (const qint64 place = theMemory.placeIn(media)) {
+            thePlayer.setPosition(place);
+            tell(tr("Goes on at %1; Home plays it from its start").arg(clockText(place)));
+        }
     }
     thePlayer.play();
     metaDataChanged();
