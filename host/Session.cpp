@@ -6,6 +6,7 @@
 
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTime>
+#include <QtGui/QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -271,6 +272,16 @@ void Session::seekBy(qint64 milliseconds)
 void Session::changeVolume(int steps)
 {
     setVolume((thePlayer.volume() + steps * volumeStep) / loudest);
+}
+
+// A touchpad turns it in steps of its own.
+void Session::turnWheel(int delta)
+{
+    constexpr int wheelStep = QWheelEvent::DefaultDeltasPerStep;
+    wheel += delta;
+    if (const int steps = wheel / wheelStep)
+        changeVolume(steps);
+    wheel %= wheelStep;
 }
 
 void Session::setVolume(double part)

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void opensFoldersAndLists();
     void goesOnAfterWhatCannotBePlayed();
     void goesOnWhereItWasLeft();
+    void wheelTurnsInSteps();
 
 private:
     QTemporaryDir folder;
@@ -92,6 +93,20 @@ void HostSessionTest::goesOnWhereItWasLeft()
 
     session.playRow(0); // it plays already
     QCOMPARE(session.player()->position(), 0);
+}
+
+void HostSessionTest::wheelTurnsInSteps()
+{
+    Session session;
+    session.setVolume(0.5);
+    session.turnWheel(0); // as when it is turned sideways
+    session.turnWheel(50);
+    session.turnWheel(50);
+    QCOMPARE(session.volume(), 0.5);
+    session.turnWheel(50);
+    QCOMPARE(session.player()->volume(), 1.05);
+    session.turnWheel(-30 - 240);
+    QCOMPARE(session.player()->volume(), 0.95);
 }
 
 int main(int argc, char **argv)
