@@ -113,22 +113,17 @@ void PlayerPrivate::noticePreroll()
     }
 }
 
-// The words may follow the error by a turn of the event loop, and a command that is answered
-// meanwhile takes the error away, but not the words. Words alone can also be a warning, that one of
-// several streams has no decoder; they count as a failure if nothing comes that can be played.
+// The words may follow the error by a turn of the event loop. Words alone are a warning: that one
+// of several streams has no decoder.
 void PlayerPrivate::noticeFailure()
 {
     constexpr int looksForWords = 3;
-    constexpr int looksForPreroll = 25;
     if (!isOpen() || m_explaining)
         return;
     m_errorSeen |= m_seen.error;
-    const bool told = !link.property("errorText").toString().isEmpty();
-    const bool failed = m_errorSeen || (told && m_phase == Phase::Prerolling);
-    m_patience = failed ? m_patience + 1 : 0;
-    const bool waits =
-        m_errorSeen ? !told && m_patience <= looksForWords : m_patience <= looksForPreroll;
-    if (failed && !waits)
+    if (!m_errorSeen)
+        return;
+    if (!link.property("errorText").toString().isEmpty() || ++m_patience > looksForWords)
         explain();
 }
 

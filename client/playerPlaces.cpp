@@ -81,6 +81,7 @@ void PlayerPrivate::makeView()
         m_viewWindow = std::make_unique<QQuickWindow>();
     qstrncpy(link.record().fileName, m_resolved.uri.constData(), MediaPlayerFileNameSize);
     link.awaitNews();
+    link.record().error = 0;
     m_toLoad = false;
     m_patience = 0;
     if (m_current && enter(m_current))

@@ -168,7 +168,8 @@ PlayerPrivate::Shown PlayerPrivate::assemble() const
     const QSizeF pixel = link.property("pixelAspectRatio").toSizeF();
     if (pixel.width() > 0 && pixel.height() > 0)
         now.videoSize.setWidth(qRound(now.videoSize.width() * pixel.width() / pixel.height()));
-    if (now.errorString.isEmpty())
+    // Until it can be played, the words may be those of the time before.
+    if (ready && now.errorString.isEmpty())
         now.errorString = link.property("errorText").toString();
     return now;
 }
