@@ -49,6 +49,10 @@ void Session::followPlayer()
     connect(&thePlayer, &Player::hasVideoChanged, this, &Session::metaDataChanged);
     connect(&thePlayer, &Player::hasAudioChanged, this, &Session::metaDataChanged);
     connect(&thePlayer, &Player::errorOccurred, this, &Session::failed);
+    connect(&thePlayer, &Player::errorChanged, this, [this] {
+        if (thePlayer.error() == Player::NoError && !thePlayer.errorString().isEmpty())
+            tell(thePlayer.errorString(), true); // it plays, but not all of it
+    });
     connect(&thePlayer, &Player::volumeChanged, &thePlayer,
             [this](double volume) { theMemory.setVolume(volume); });
     connect(&thePlayer, &Player::volumeChanged, this, &Session::volumeChanged);

@@ -3,11 +3,13 @@
 #include "../host/mediaFiles.h" // the tests have another
 #include "Session.h"
 #include "await.h"
+#include "missing.h"
 
+#include <MediaPlayer/PlayerWidget.h>
 #include <MediaPlayer/Plugin.h>
 
 #include <QtCore/QTemporaryDir>
-#include <QtGui/QGuiApplication>
+#include <QtWidgets/QApplication>
 
 class HostSessionTest : public QObject
 {
@@ -22,11 +24,14 @@ private Q_SLOTS:
     void goesOnAfterWhatCannotBePlayed();
     void goesOnWhereItWasLeft();
     void wheelTurnsInSteps();
+    void saysWhatIsMissing();
 
 private:
     QTemporaryDir folder;
-    const QUrl tone =
-        QUrl::fromLocalFile(qEnvironmentVariable("MEDIA_DIR") + QStringLiteral("/tone.flac"));
+    const QUrl folderOfMedia =
+        QUrl::fromLocalFile(qEnvironmentVariable("MEDIA_DIR") + QLatin1Char('/'));
+    const QUrl tone = folderOfMedia.resolved(QUrl(QStringLiteral("tone.flac")));
+    const QUrl film = folderOfMedia.resolved(QUrl(QStringLiteral("quadrants.webm")));
     const QUrl missing = QUrl::fromLocalFile(QStringLiteral("/nowhere/first.webm"));
 };
 
@@ -109,9 +114,28 @@ void HostSessionTest::wheelTurnsInSteps()
     QCOMPARE(session.player()->volume(), 0.95);
 }
 
+// It plays, and the user is told once what it lacks.
+void HostSessionTest::saysWhatIsMissing()
+{
+    Session session;
+    session.open({tone});
+    AWAIT(session.player()->position() > 0); // GStreamer has begun
+    MediaPlayer::PlayerWidget picture;
+    picture.setPlayer(session.player());
+    picture.show();
+    const Missing decoders {"vorbisdec", "avdec_vorbis"};
+    session.open({film});
+    AWAIT(session.notice().contains(QLatin1String("Vorbis")) && session.warns());
+    AWAIT(session.player()->position() > 0);
+    session.setVolume(0.5); // another notice
+    session.playRow(0);
+    AWAIT(session.player()->position() > 0);
+    QVERIFY(!session.notice().contains(QLatin1String("Vorbis")));
+}
+
 int main(int argc, char **argv)
 {
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     MediaPlayer::setPluginPath(QStringLiteral(PLUGIN));
     HostSessionTest test;
     return QTest::qExec(&test, argc, argv);
