@@ -132,6 +132,7 @@ private:
 
     // What is wanted, and how far it has come.
     Player::PlaybackState m_intent = Player::StoppedState;
+    bool m_intentGiven = false; ///< since the source was set: autoPlay is none
     Seek m_seek;
     bool m_toStop = false;
     QList<int> m_settings; ///< commands to send, with the operands that are in the record then

@@ -22,6 +22,7 @@ void PlayerPrivate::setIntent(Player::PlaybackState intent)
         m_timesPlayed = 0;
     }
     m_pausedByHiding = false;
+    m_intentGiven = true;
     m_intent = intent;
     advance();
     show();

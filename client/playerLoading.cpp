@@ -15,6 +15,7 @@ void PlayerPrivate::setSource(const QUrl &newSource)
     const bool changed = newSource != source;
     source = newSource;
     m_intent = Player::StoppedState;
+    m_intentGiven = false;
     m_pausedByHiding = false;
     beginLoading();
     const QPointer<PlayerPrivate> guard(this);
@@ -49,7 +50,7 @@ void PlayerPrivate::resolve()
     m_loadScheduled = false;
     if (m_phase != Phase::Resolving)
         return advance();
-    if (autoPlay)
+    if (autoPlay && !m_intentGiven)
         m_intent = Player::PlayingState;
     m_address.resolve(source, [this](const MediaAddress::Resolved &resolved) {
         if (resolved.failure) {

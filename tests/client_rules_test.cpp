@@ -21,6 +21,7 @@ private Q_SLOTS:
     void hundredSeeks();
     void forwardSeek();
     void seekBeforeLoaded();
+    void pauseBeforeLoaded();
     void refused_data();
     void refused();
     void mended();
@@ -90,6 +91,15 @@ void ClientRulesTest::seekBeforeLoaded()
     QVERIFY(player().isPlaying());
     AWAIT(plays(player(), 4200));
     QVERIFY(watch.lowest() >= 4000);
+}
+
+void ClientRulesTest::pauseBeforeLoaded()
+{
+    player().setSource(media("quadrants.webm"));
+    player().setAutoPlay(true); // set with the source, it counts for it
+    player().pause();
+    AWAIT_EQUAL(player().mediaStatus(), Player::BufferedMedia);
+    QCOMPARE(player().playbackState(), Player::PausedState);
 }
 
 void ClientRulesTest::refused_data()
