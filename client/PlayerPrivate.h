@@ -100,7 +100,6 @@ private:
     void noticeUndonePlay();
     void end();
     bool isOpen() const { return m_phase == Phase::Prerolling || m_phase == Phase::Ready; }
-    bool tellsMore() const;
     void show(); ///< last in whatever calls it: a receiver may delete the player
     Shown assemble() const;
     Player::MediaStatus status() const;

@@ -111,8 +111,6 @@ void PlayerPrivate::park()
     m_control = nullptr;
 }
 
-// The places fit the picture themselves where its size is told; else the plug-in must, from its
-// first frame on.
 void PlayerPrivate::noticePicture()
 {
     if (!m_current || !isOpen())
@@ -123,12 +121,6 @@ void PlayerPrivate::noticePicture()
         record.transformBit0 = flips & 1;
         record.transformBit1 = (flips >> 1) & 1;
         changeSetting(MediaPlayerCommandTransform);
-    }
-    const bool fit = m_phase == Phase::Ready && m_current->fitsWhole() && shown.hasVideo
-        && shown.videoSize.isEmpty();
-    if (fit != (record.keepAspectRatio != 0)) {
-        record.keepAspectRatio = fit;
-        changeSetting(MediaPlayerCommandKeepAspectRatio);
     }
 }
 
