@@ -89,6 +89,8 @@ MediaAddress::Resolved MediaAddress::resolveFile(const QString &path)
     if (const Failure failure = failureOf(path))
         return {.uri = {}, .failure = failure};
     const QByteArray uri = uriOfPath(path);
+    if (isAudioName(uri) && isFilmInOgg(path))
+        return provide(path, QStringLiteral("ogv"));
     if (isVideoName(uri) || isAudioName(uri)) {
         if (uri.size() <= roomForUri && !path.startsWith(u':'))
             return {.uri = uri, .failure = {}};

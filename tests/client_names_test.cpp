@@ -90,6 +90,7 @@ private Q_SLOTS:
     void files_data();
     void files();
     void oneLinkAFile();
+    void filmNamedAsSound();
     void addresses_data();
     void addresses();
     void serverSays_data();
@@ -178,6 +179,16 @@ void ClientNamesTest::oneLinkAFile()
     QVERIFY(QFileInfo(link).isSymLink());
     widget.reset();
     QVERIFY(!QFileInfo::exists(QFileInfo(link).path()));
+}
+
+void ClientNamesTest::filmNamedAsSound()
+{
+    player().setSource(media("wide.ogg"));
+    player().play();
+    AWAIT(plays(player(), 100));
+    QVERIFY(player().hasVideo() && player().hasAudio());
+    AWAIT_EQUAL(player().videoSize(), QSize(160, 60)); // in square pixels
+    AWAIT_EQUAL(widget->sizeHint(), QSize(160, 60));
 }
 
 void ClientNamesTest::addresses_data()
