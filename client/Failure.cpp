@@ -37,8 +37,13 @@ Failure failureOf(const QString &path)
 Failure failureOf(const QUrl &source, const QString &told)
 {
     const QString name = source.fileName().isEmpty() ? source.toString() : source.fileName();
-    if (!told.isEmpty())
-        return {Player::FormatError, Player::tr("“%1” cannot be played: %2").arg(name, told)};
+    if (!told.isEmpty()) {
+        // What a server delivers and can be decoded, but does not play, has suffered on its way.
+        const bool isRemote = source.scheme().startsWith(QLatin1String("http"));
+        const bool decodes = !told.startsWith(QLatin1String("Not installed"));
+        return {isRemote && decodes ? Player::NetworkError : Player::FormatError,
+                Player::tr("“%1” cannot be played: %2").arg(name, told)};
+    }
     return {Player::FormatError,
             Player::tr("“%1” cannot be played: it is damaged, or there is no decoder for it.")
                 .arg(name)};

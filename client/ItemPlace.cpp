@@ -84,7 +84,6 @@ void Video::setFillMode(FillMode mode)
         return;
     d->mode = mode;
     d->pictureChanged();
-    d->changed();
     Q_EMIT fillModeChanged();
 }
 

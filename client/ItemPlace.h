@@ -22,12 +22,10 @@ public:
 
     bool isReady() const override { return ready; }
     bool isVisible() const override { return q->window() && q->isVisible(); }
-    const void *window() const override { return q->window(); }
     BasicWidget *makeControl(QQuickWindow *viewWindow) override;
     void releaseControl(BasicWidget *control) override;
     void pictureChanged() override;
     int flips() const override;
-    bool fitsWhole() const override { return mode == Video::PreserveAspectFit; }
 
     bool hasOwnPlayer() const { return own != nullptr; }
     void show(Player *player); ///< null: one of its own

@@ -89,9 +89,11 @@ MediaAddress::Resolved MediaAddress::resolveFile(const QString &path)
     if (const Failure failure = failureOf(path))
         return {.uri = {}, .failure = failure};
     const QByteArray uri = uriOfPath(path);
+    if (isAudioName(uri) && isFilmInOgg(path))
+        return provide(path, QStringLiteral("ogv"));
     if (isVideoName(uri) || isAudioName(uri)) {
         if (uri.size() <= roomForUri && !path.startsWith(u':'))
-            return {.uri = uri, .isVideo = isVideoName(uri), .failure = {}};
+            return {.uri = uri, .failure = {}};
         return provide(path, QFileInfo(path).suffix().toLower());
     }
     const QString suffix = suffixOfContent(path);
@@ -118,7 +120,7 @@ MediaAddress::Resolved MediaAddress::provide(const QString &path, const QString 
         return refused(Player::ResourceError,
                        Player::tr("“%1” cannot be written.").arg(m_folder->path()));
     const QByteArray uri = uriOfPath(name);
-    return *m_provided.insert(path, {.uri = uri, .isVideo = isVideoName(uri), .failure = {}});
+    return *m_provided.insert(path, {.uri = uri, .failure = {}});
 }
 
 // The plug-in looks at the end of the address, and a server never sees the fragment.
@@ -138,7 +140,7 @@ MediaAddress::Resolved MediaAddress::resolveRemote(const QUrl &source, const QSt
     if (uri.isEmpty() || uri.size() > roomForUri)
         return refused(Player::ResourceError,
                        Player::tr("This address is too long: %1").arg(source.toString()));
-    return {.uri = uri, .isVideo = isVideoName(uri), .failure = {}};
+    return {.uri = uri, .failure = {}};
 }
 
 QNetworkReply *MediaAddress::head(const QUrl &source)

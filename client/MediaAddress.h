@@ -38,7 +38,6 @@ public:
 
     struct Resolved {
         QByteArray uri;
-        bool isVideo = false; ///< what the plug-in will take it for
         Failure failure; ///< then the rest is empty
     };
     using Receiver = std::function<void(const Resolved &)>;

@@ -1,5 +1,6 @@
 #include "MediaType.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QMimeDatabase>
 #include <QtCore/QUrl>
 
@@ -71,6 +72,16 @@ QString suffixOfType(const QString &contentType)
 {
     return suffixOfKind(
         database().mimeTypeForName(contentType.section(u';', 0, 0).trimmed().toLower()));
+}
+
+// Each stream is named on a page of its own, and those pages are the first.
+bool isFilmInOgg(const QString &path)
+{
+    constexpr qint64 namesEnd = 1024;
+    QFile file(path);
+    const QByteArray start = file.open(QFile::ReadOnly) ? file.read(namesEnd) : QByteArray();
+    const auto names = [&start](const char *stream) { return start.contains(stream); };
+    return start.startsWith("OggS") && (names("\x80theora") || names("OVP80") || names("\1video"));
 }
 
 QString commentOf(const QString &path)

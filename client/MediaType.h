@@ -23,6 +23,9 @@ QString suffixOfContent(const QString &path);
 /// The same for what a server calls its content; empty if that tells nothing.
 QString suffixOfType(const QString &contentType);
 
+/// Whether an Ogg file, whose name says "sound" of films too, has a picture.
+bool isFilmInOgg(const QString &path);
+
 /// What a file is, for a user: "plain text document".
 QString commentOf(const QString &path);
 

@@ -27,9 +27,6 @@ public:
     /// Whether somebody could see the picture.
     virtual bool isVisible() const = 0;
 
-    /// The top-level window that the picture is in; only compared.
-    virtual const void *window() const = 0;
-
     /// A control in this place. `viewWindow` is the window that the plug-in's player ends with.
     virtual BasicWidget *makeControl(QQuickWindow *viewWindow) = 0;
 
@@ -42,9 +39,6 @@ public:
     /// What MediaPlayerFlip calls the way in which the plug-in is to turn the picture over.
     virtual int flips() const { return 0; }
 
-    /// Whether the picture keeps its shape and is wholly seen.
-    virtual bool fitsWhole() const = 0;
-
     Player *player() const { return m_player; }
 
     Player::WhenHidden whenHidden = Player::GoOn;
@@ -53,7 +47,7 @@ protected:
     /// Parts from the player before, which parks. Null: no player.
     void setPlayer(Player *player);
 
-    /// To be called whenever isReady(), isVisible(), flips() or fitsWhole() has changed.
+    /// To be called whenever isReady(), isVisible() or flips() has changed.
     void changed();
 
     /// Of the picture in square pixels; empty while it is unknown.

@@ -100,7 +100,6 @@ private:
     void noticeUndonePlay();
     void end();
     bool isOpen() const { return m_phase == Phase::Prerolling || m_phase == Phase::Ready; }
-    bool tellsMore() const;
     void show(); ///< last in whatever calls it: a receiver may delete the player
     Shown assemble() const;
     Player::MediaStatus status() const;
@@ -132,6 +131,7 @@ private:
 
     // What is wanted, and how far it has come.
     Player::PlaybackState m_intent = Player::StoppedState;
+    bool m_intentGiven = false; ///< since the source was set: autoPlay is none
     Seek m_seek;
     bool m_toStop = false;
     QList<int> m_settings; ///< commands to send, with the operands that are in the record then

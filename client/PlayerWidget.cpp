@@ -21,11 +21,9 @@ public:
 
     bool isReady() const override { return true; }
     bool isVisible() const override { return q->isVisible(); }
-    const void *window() const override { return q->window(); }
     BasicWidget *makeControl(QQuickWindow *) override;
     void releaseControl(BasicWidget *released) override;
     void pictureChanged() override;
-    bool fitsWhole() const override { return mode == Qt::KeepAspectRatio; }
 
     void show(Player *player);
     void prepareControl();
@@ -148,7 +146,6 @@ void PlayerWidget::setAspectRatioMode(Qt::AspectRatioMode mode)
         return;
     d->mode = mode;
     d->pictureChanged();
-    d->changed();
     Q_EMIT aspectRatioModeChanged(mode);
 }
 

@@ -65,7 +65,6 @@ void RecordLink::send(int command)
 void RecordLink::awaitNews()
 {
     m_error = false;
-    writeShared(m_record->error, std::int8_t(0));
     writeShared(m_record->state, std::int32_t(0));
     writeShared(m_record->duration, std::int64_t(0));
     awaitPosition();

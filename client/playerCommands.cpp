@@ -22,6 +22,7 @@ void PlayerPrivate::setIntent(Player::PlaybackState intent)
         m_timesPlayed = 0;
     }
     m_pausedByHiding = false;
+    m_intentGiven = true;
     m_intent = intent;
     advance();
     show();
@@ -133,11 +134,15 @@ void PlayerPrivate::answered(int command, bool done)
     const bool loads = command == MediaPlayerCommandLoad || m_reloads;
     m_reloads = false;
     if (loads) {
-        if (done)
+        // A medium that has failed by now was taken too; a refusal leaves the name before, or
+        // nothing that has a state.
+        const bool taken =
+            done || (link.record().fileName == m_sent && link.published().state != 0);
+        if (taken)
             m_loaded = m_sent;
         // Unless another source has been set meanwhile, this is the answer to the one that is.
         if (m_phase == Phase::Opening && !m_toLoad && m_sent == m_resolved.uri) {
-            if (done) {
+            if (taken) {
                 link.awaitNews();
                 accepted();
             } else {

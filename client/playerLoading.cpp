@@ -15,6 +15,7 @@ void PlayerPrivate::setSource(const QUrl &newSource)
     const bool changed = newSource != source;
     source = newSource;
     m_intent = Player::StoppedState;
+    m_intentGiven = false;
     m_pausedByHiding = false;
     beginLoading();
     const QPointer<PlayerPrivate> guard(this);
@@ -49,7 +50,7 @@ void PlayerPrivate::resolve()
     m_loadScheduled = false;
     if (m_phase != Phase::Resolving)
         return advance();
-    if (autoPlay)
+    if (autoPlay && !m_intentGiven)
         m_intent = Player::PlayingState;
     m_address.resolve(source, [this](const MediaAddress::Resolved &resolved) {
         if (resolved.failure) {
@@ -113,22 +114,17 @@ void PlayerPrivate::noticePreroll()
     }
 }
 
-// The words may follow the error by a turn of the event loop, and a command that is answered
-// meanwhile takes the error away, but not the words. Words alone can also be a warning, that one of
-// several streams has no decoder; they count as a failure if nothing comes that can be played.
+// The words may follow the error by a turn of the event loop. Words alone are a warning: that one
+// of several streams has no decoder.
 void PlayerPrivate::noticeFailure()
 {
     constexpr int looksForWords = 3;
-    constexpr int looksForPreroll = 25;
     if (!isOpen() || m_explaining)
         return;
     m_errorSeen |= m_seen.error;
-    const bool told = !link.property("errorText").toString().isEmpty();
-    const bool failed = m_errorSeen || (told && m_phase == Phase::Prerolling);
-    m_patience = failed ? m_patience + 1 : 0;
-    const bool waits =
-        m_errorSeen ? !told && m_patience <= looksForWords : m_patience <= looksForPreroll;
-    if (failed && !waits)
+    if (!m_errorSeen)
+        return;
+    if (!link.property("errorText").toString().isEmpty() || ++m_patience > looksForWords)
         explain();
 }
 

@@ -81,6 +81,7 @@ void PlayerPrivate::makeView()
         m_viewWindow = std::make_unique<QQuickWindow>();
     qstrncpy(link.record().fileName, m_resolved.uri.constData(), MediaPlayerFileNameSize);
     link.awaitNews();
+    link.record().error = 0;
     m_toLoad = false;
     m_patience = 0;
     if (m_current && enter(m_current))
@@ -110,8 +111,6 @@ void PlayerPrivate::park()
     m_control = nullptr;
 }
 
-// The places fit the picture themselves where its size is told; else the plug-in must, from its
-// first frame on.
 void PlayerPrivate::noticePicture()
 {
     if (!m_current || !isOpen())
@@ -122,12 +121,6 @@ void PlayerPrivate::noticePicture()
         record.transformBit0 = flips & 1;
         record.transformBit1 = (flips >> 1) & 1;
         changeSetting(MediaPlayerCommandTransform);
-    }
-    const bool fit = m_phase == Phase::Ready && m_current->fitsWhole() && shown.hasVideo
-        && shown.videoSize.isEmpty();
-    if (fit != (record.keepAspectRatio != 0)) {
-        record.keepAspectRatio = fit;
-        changeSetting(MediaPlayerCommandKeepAspectRatio);
     }
 }
 

@@ -51,12 +51,6 @@ void PlayerPrivate::noticeArrival()
         m_seek.cancel();
 }
 
-/// Whether the plug-in tells of ends and pictures; else they are guessed.
-bool PlayerPrivate::tellsMore() const
-{
-    return link.property("hasVideo").isValid() || link.property("hasAudio").isValid();
-}
-
 void PlayerPrivate::noticeEnd()
 {
     const int ends = link.property("endOfMedia").toInt();
@@ -66,12 +60,11 @@ void PlayerPrivate::noticeEnd()
         end();
 }
 
-// A medium that is found further back than it was has come to its end, or its picture has come
-// into another window, where the plug-in starts it anew.
+// The picture of a medium that is found further back than it was has come into another window,
+// where the plug-in starts it anew.
 void PlayerPrivate::noticePlace()
 {
-    constexpr int looksForEnd = 4;
-    constexpr qint64 nearEnd = 1500;
+    constexpr int looksForEnd = 4; // which may be told a little later
     if (m_seek.isActive() || m_arriving || m_endPending || m_atEnd || !link.isIdle()
         || m_seen.position == Published::unknown)
         return;
@@ -83,10 +76,6 @@ void PlayerPrivate::noticePlace()
     if (++m_fallenLooks < looksForEnd)
         return;
     m_fallenLooks = 0;
-    const bool isEnd = !tellsMore() && m_sentState == MediaPlayerStatePlaying
-        && m_seen.state == MediaPlayerStatePaused && m_place + nearEnd >= m_seen.duration;
-    if (isEnd)
-        return end();
     m_sentState = MediaPlayerStatePaused;
     m_seek.ask(m_place, 0);
 }
@@ -141,10 +130,6 @@ Player::MediaStatus PlayerPrivate::status() const
 
 PlayerPrivate::Shown PlayerPrivate::assemble() const
 {
-    const auto flag = [this](const char *name, bool otherwise) {
-        const QVariant told = link.property(name);
-        return told.isValid() ? told.toBool() : otherwise;
-    };
     Shown now;
     now.playbackState = m_intent;
     now.mediaStatus = status();
@@ -160,15 +145,18 @@ PlayerPrivate::Shown PlayerPrivate::assemble() const
         now.position = m_atEnd ? now.duration : m_place;
     if (const QVariant percent = link.property("buffering"); percent.isValid())
         now.bufferProgress = percent.toFloat() / 100;
-    now.hasVideo = flag("hasVideo", ready && m_resolved.isVideo);
-    now.hasAudio = flag("hasAudio", ready);
-    now.seekable = flag("seekable", ready && now.duration > 0);
+    now.hasVideo = link.property("hasVideo").toBool();
+    now.hasAudio = link.property("hasAudio").toBool();
+    // It is told a little later than a play command may be sent, and a seek by then is not lost.
+    const QVariant seekable = link.property("seekable");
+    now.seekable = seekable.isValid() ? seekable.toBool() : ready && now.duration > 0;
     now.metaData = link.property("metaData").toMap();
     now.videoSize = link.property("videoSize").toSize();
     const QSizeF pixel = link.property("pixelAspectRatio").toSizeF();
     if (pixel.width() > 0 && pixel.height() > 0)
         now.videoSize.setWidth(qRound(now.videoSize.width() * pixel.width() / pixel.height()));
-    if (now.errorString.isEmpty())
+    // Until it can be played, the words may be those of the time before.
+    if (ready && now.errorString.isEmpty())
         now.errorString = link.property("errorText").toString();
     return now;
 }

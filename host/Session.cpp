@@ -6,6 +6,7 @@
 
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTime>
+#include <QtGui/QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -48,6 +49,10 @@ void Session::followPlayer()
     connect(&thePlayer, &Player::hasVideoChanged, this, &Session::metaDataChanged);
     connect(&thePlayer, &Player::hasAudioChanged, this, &Session::metaDataChanged);
     connect(&thePlayer, &Player::errorOccurred, this, &Session::failed);
+    connect(&thePlayer, &Player::errorChanged, this, [this] {
+        if (thePlayer.error() == Player::NoError && !thePlayer.errorString().isEmpty())
+            tell(thePlayer.errorString(), true); // it plays, but not all of it
+    });
     connect(&thePlayer, &Player::volumeChanged, &thePlayer,
             [this](double volume) { theMemory.setVolume(volume); });
     connect(&thePlayer, &Player::volumeChanged, this, &Session::volumeChanged);
@@ -83,13 +88,14 @@ void Session::playRow(int row)
     const QUrl media = theList.media(row);
     theList.setCurrent(row);
     theList.setProblem(row, {});
-    if (thePlayer.source() == media && thePlayer.error() == Player::NoError)
+    if (thePlayer.source() == media && thePlayer.error() == Player::NoError) {
         thePlayer.setPosition(0);
-    else
+    } else {
         thePlayer.setSource(media);
-    if (const qint64 place = theMemory.placeIn(media)) {
-        thePlayer.setPosition(place);
-        tell(tr("Goes on at %1; Home plays it from its start").arg(clockText(place)));
+        if (const qint64 place = theMemory.placeIn(media)) {
+            thePlayer.setPosition(place);
+            tell(tr("Goes on at %1; Home plays it from its start").arg(clockText(place)));
+        }
     }
     thePlayer.play();
     metaDataChanged();
@@ -270,6 +276,16 @@ void Session::seekBy(qint64 milliseconds)
 void Session::changeVolume(int steps)
 {
     setVolume((thePlayer.volume() + steps * volumeStep) / loudest);
+}
+
+// A touchpad turns it in steps of its own.
+void Session::turnWheel(int delta)
+{
+    constexpr int wheelStep = QWheelEvent::DefaultDeltasPerStep;
+    wheel += delta;
+    if (const int steps = wheel / wheelStep)
+        changeVolume(steps);
+    wheel %= wheelStep;
 }
 
 void Session::setVolume(double part)

@@ -112,7 +112,8 @@ public:
     Q_INVOKABLE void removeRow(int row);
     Q_INVOKABLE void togglePlaying();
     Q_INVOKABLE void seekTo(double part);
-    Q_INVOKABLE void changeVolume(int steps);
+    void changeVolume(int steps);
+    Q_INVOKABLE void turnWheel(int delta); ///< upwards, in eighths of a degree: changes the volume
     Q_INVOKABLE void setVolume(double part);
     void toggleMuted();
     void seekBy(qint64 milliseconds);
@@ -145,6 +146,7 @@ private:
     Developer theDeveloper;
     QImage theCover;
     int serial = 0;
+    int wheel = 0; ///< what it has been turned beyond the last step of the volume
     QString theNotice;
     QTimer noticeEnd;
     QTimer idle; ///< since the user moved

@@ -18,9 +18,12 @@ static bool isPlayList(const QString &name)
 QStringList mediaPatterns()
 {
     static const QStringList patterns = [] {
-        // Of these the MIME database has other ideas.
-        QStringList found {QStringLiteral("*.ts"), QStringLiteral("*.m3u"),
-                           QStringLiteral("*.m3u8")};
+        // Of these the MIME database has other ideas. The client finds by their content what they
+        // are.
+        QStringList found {QStringLiteral("*.ts"),   QStringLiteral("*.m3u"),
+                           QStringLiteral("*.m3u8"), QStringLiteral("*.asf"),
+                           QStringLiteral("*.rm"),   QStringLiteral("*.rmvb"),
+                           QStringLiteral("*.mxf"),  QStringLiteral("*.ogx")};
         for (const QMimeType &type : QMimeDatabase().allMimeTypes()) {
             if (type.name().startsWith(QLatin1String("video/"))
                 || type.name().startsWith(QLatin1String("audio/")))

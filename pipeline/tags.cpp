@@ -90,7 +90,10 @@ QImage decode(GstBuffer *buffer)
         reader.setScaledSize(size.scaled(coverSize, coverSize, Qt::KeepAspectRatio));
     const QImage image = reader.read();
     gst_buffer_unmap(buffer, &map);
-    return image;
+    if (qMax(image.width(), image.height()) <= coverSize)
+        return image;
+    // Not every format tells its size before it is read.
+    return image.scaled(coverSize, coverSize, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
 /// The later of them win.

@@ -9,6 +9,7 @@
 #include <QtCore/QResource>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
+#include <QtCore/QTimer>
 #include <QtNetwork/QTcpServer>
 #include <QtNetwork/QTcpSocket>
 
@@ -23,8 +24,10 @@ QByteArray contentOf(const char *name)
     return file.readAll();
 }
 
-/// Serves quadrants.webm under every address but one that has "none" in it, and does not answer a
-/// HEAD for one with "mute" in it. On a thread of its own, as a server elsewhere would.
+/// Serves quadrants.webm, or large.mkv under an address with "large" in it. One with "none" in it
+/// has nothing, one with "half" breaks off, and one with "stalls" keeps the most back for a while.
+/// Does not answer a HEAD for one with "mute" in it. On a thread of its own, as a server elsewhere
+/// would.
 class FilmServer : public QThread
 {
 public:
@@ -44,6 +47,7 @@ public:
     }
 
     QSemaphore muted; ///< has one for each request that was not answered
+    std::atomic<bool> goesOn = false; ///< with what stalls
 
 private:
     void run() override
@@ -60,14 +64,29 @@ private:
                 if (line.contains("mute") && line.startsWith("HEAD"))
                     return muted.release();
                 const bool none = line.contains("none");
+                const QByteArray body = line.contains("large") ? contentOf("large.mkv") : film;
                 client->write(
                     none ? QByteArray("HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n")
                          : "HTTP/1.1 200 OK\r\nContent-Type: video/webm\r\nContent-Length: "
-                            + QByteArray::number(film.size()) + "\r\n");
+                            + QByteArray::number(body.size()) + "\r\n");
                 client->write("Connection: close\r\n\r\n");
+                const bool stalls = line.contains("stalls");
+                const int percent = stalls ? 40 : line.contains("half") ? 50 : 100;
+                const qsizetype part = body.size() * percent / 100;
                 if (request.startsWith("GET") && !none)
-                    client->write(film);
-                client->disconnectFromHost();
+                    client->write(body.left(part));
+                if (!stalls)
+                    return client->disconnectFromHost();
+                auto *const looks = new QTimer(client);
+                QObject::connect(looks, &QTimer::timeout, client,
+                                 [this, client, looks, body, part] {
+                                     if (!goesOn)
+                                         return;
+                                     looks->stop();
+                                     client->write(body.mid(part));
+                                     client->disconnectFromHost();
+                                 });
+                looks->start(20);
             });
         });
         exec();
@@ -90,10 +109,12 @@ private Q_SLOTS:
     void files_data();
     void files();
     void oneLinkAFile();
+    void filmNamedAsSound();
     void addresses_data();
     void addresses();
     void serverSays_data();
     void serverSays();
+    void waitsForServer();
     void lateAnswer();
     void resource();
 
@@ -180,6 +201,16 @@ void ClientNamesTest::oneLinkAFile()
     QVERIFY(!QFileInfo::exists(QFileInfo(link).path()));
 }
 
+void ClientNamesTest::filmNamedAsSound()
+{
+    player().setSource(media("wide.ogg"));
+    player().play();
+    AWAIT(plays(player(), 100));
+    QVERIFY(player().hasVideo() && player().hasAudio());
+    AWAIT_EQUAL(player().videoSize(), QSize(160, 60)); // in square pixels
+    AWAIT_EQUAL(widget->sizeHint(), QSize(160, 60));
+}
+
 void ClientNamesTest::addresses_data()
 {
     QTest::addColumn<QString>("rest");
@@ -205,20 +236,38 @@ void ClientNamesTest::addresses()
 void ClientNamesTest::serverSays_data()
 {
     QTest::addColumn<QString>("rest");
-    QTest::newRow("plain") << QStringLiteral("none.webm");
-    QTest::newRow("long") << QStringLiteral("none.webm?") + QString(300, u'c');
+    QTest::addColumn<QString>("words");
+    const QString words = QStringLiteral("404 Not Found");
+    QTest::newRow("plain") << QStringLiteral("none.webm") << words;
+    QTest::newRow("long") << QStringLiteral("none.webm?") + QString(300, u'c') << words;
+    QTest::newRow("breaks off") << QStringLiteral("half.webm")
+                                << QStringLiteral("cannot be played");
 }
 
 void ClientNamesTest::serverSays()
 {
     QFETCH(QString, rest);
+    QFETCH(QString, words);
     FilmServer server;
     QSignalSpy errors(&player(), &Player::errorOccurred);
     player().setSource(server.url(rest));
+    player().play();
     AWAIT_EQUAL(errors.size(), 1);
     QCOMPARE(player().error(), Player::NetworkError);
-    QVERIFY2(player().errorString().contains(QStringLiteral("404 Not Found")),
-             qPrintable(player().errorString()));
+    QVERIFY2(player().errorString().contains(words), qPrintable(player().errorString()));
+}
+
+void ClientNamesTest::waitsForServer()
+{
+    FilmServer server;
+    player().setSource(server.url(QStringLiteral("large-stalls.mkv")));
+    player().play();
+    AWAIT_EQUAL(player().mediaStatus(), Player::StalledMedia);
+    QVERIFY(player().bufferProgress() < 1 && player().isPlaying());
+    server.goesOn = true;
+    AWAIT_EQUAL(player().mediaStatus(), Player::BufferedMedia);
+    QCOMPARE(player().bufferProgress(), 1.0f);
+    QCOMPARE(player().metaData().value(QStringLiteral("videoCodec")), QStringLiteral("On2 VP8"));
 }
 
 // What a server was asked about a source that has been left fails no other one.

@@ -31,6 +31,9 @@ private Q_SLOTS:
     void lastPlaceShows();
     void hidden();
     void widgets();
+    void widgetEndings_data();
+    void widgetEndings();
+    void cropped();
     void dock();
     void fullScreen();
 
@@ -248,6 +251,57 @@ void ClientPlacesTest::widgets()
     const qint64 before = film->position();
     AWAIT(plays(*film, before));
     QVERIFY(!watch.wentBack());
+}
+
+void ClientPlacesTest::widgetEndings_data()
+{
+    QTest::addColumn<QByteArray>("ending");
+    for (const char *ending : {"the player, the widget", "the widget, the player",
+                               "the window, the player", "the player, the window",
+                               "the widget with its own player", "the window with its own player"})
+        QTest::newRow(ending) << QByteArray(ending);
+}
+
+void ClientPlacesTest::widgetEndings()
+{
+    QFETCH(QByteArray, ending);
+    const bool own = ending.contains("own");
+    auto window = std::make_unique<QWidget>();
+    window->resize(200, 150);
+    auto *widget = new PlayerWidget(window.get());
+    widget->resize(200, 150);
+    if (!own)
+        widget->setPlayer(film.get());
+    widget->player()->setSource(media("quadrants.webm"));
+    widget->player()->play();
+    window->show();
+    AWAIT(plays(*widget->player(), 200));
+    const QPointer<QObject> view = reinterpret_cast<QObject *>(widget->player()->record().view);
+    QVERIFY(view);
+    for (const QByteArray &part : ending.split(',')) {
+        if (part.contains("player") && !own)
+            film.reset();
+        else if (part.contains("widget"))
+            delete widget;
+        else
+            window.reset();
+        QCoreApplication::processEvents();
+        if (film && !own)
+            QVERIFY(plays(*film, 200));
+    }
+    QVERIFY(!view);
+}
+
+// 400 x 300 of which 200 are seen, or here 180.
+void ClientPlacesTest::cropped()
+{
+    PlayerWidget widget;
+    widget.resize(400, 200);
+    widget.setAspectRatioMode(Qt::KeepAspectRatioByExpanding);
+    widget.setCropMargins({0, -60, 0, -60});
+    widget.setPlayer(film.get());
+    widget.show();
+    AWAIT_EQUAL(picture(widget.windowHandle(), {0, 12, 400, 40}), "RGRG");
 }
 
 void ClientPlacesTest::dock()

@@ -1,4 +1,5 @@
 #include "tests/interleaving.h"
+#include "tests/missing.h"
 #include "tests/server.h"
 
 #include <QtCore/QBuffer>
@@ -15,32 +16,6 @@ QString errorText(Host &host)
 {
     return host.told("errorText").toString();
 }
-
-/// Decoders of a format are not installed while this object lives.
-class Missing
-{
-public:
-    explicit Missing(std::initializer_list<const char *> factories)
-    {
-        for (const char *name : factories) {
-            GstElementFactory *const factory = gst_element_factory_find(name);
-            if (!factory)
-                continue;
-            m_ranks.append({factory, gst_plugin_feature_get_rank(GST_PLUGIN_FEATURE(factory))});
-            gst_plugin_feature_set_rank(GST_PLUGIN_FEATURE(factory), GST_RANK_NONE);
-        }
-    }
-    ~Missing()
-    {
-        for (const auto &[factory, rank] : m_ranks) {
-            gst_plugin_feature_set_rank(GST_PLUGIN_FEATURE(factory), rank);
-            gst_object_unref(factory);
-        }
-    }
-
-private:
-    QList<std::pair<GstElementFactory *, guint>> m_ranks;
-};
 
 /// Code of the host's that runs inside the first change of a property.
 class Reaction : public QObject

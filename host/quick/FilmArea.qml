@@ -80,6 +80,6 @@ Rectangle {
         hoverEnabled: true // so that no movement reaches what is below
         cursorShape: area.session.controlsShown ? Qt.ArrowCursor : Qt.BlankCursor
         onDoubleClicked: area.session.fullScreen = !area.session.fullScreen
-        onWheel: wheel => area.session.changeVolume(wheel.angleDelta.y > 0 ? 1 : -1)
+        onWheel: wheel => area.session.turnWheel(wheel.angleDelta.y)
     }
 }

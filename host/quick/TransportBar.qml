@@ -13,7 +13,8 @@ Pane {
     contentHeight: seekBar.height + left.height + 2
 
     WheelHandler {
-        onWheel: event => transport.session.changeVolume(event.angleDelta.y > 0 ? 1 : -1)
+        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+        onWheel: event => transport.session.turnWheel(event.angleDelta.y)
     }
 
     Bar {

@@ -123,5 +123,5 @@ void FilmArea::mouseDoubleClickEvent(QMouseEvent *event)
 
 void FilmArea::wheelEvent(QWheelEvent *event)
 {
-    session.changeVolume(event->angleDelta().y() > 0 ? 1 : -1);
+    session.turnWheel(event->angleDelta().y());
 }

@@ -107,5 +107,5 @@ void TransportBar::resizeEvent(QResizeEvent *)
 
 void TransportBar::wheelEvent(QWheelEvent *event)
 {
-    session.changeVolume(event->angleDelta().y() > 0 ? 1 : -1);
+    session.turnWheel(event->angleDelta().y());
 }
