@@ -68,7 +68,11 @@ void prerollOnceInitialized(MediaPlayerView &view)
 
 void prerollCurrent(MediaPlayerView &view, bool fromSignal)
 {
-    const bool keptContext = view.quirks.isItemInitialized() && view.quirks.keptContext();
+    const bool initialized = view.quirks.isItemInitialized();
+    // Parked since it reported itself, the item reports itself again in its next window.
+    if (fromSignal && !initialized && view.videoSink && goesOnAsItIs(view, true))
+        return;
+    const bool keptContext = initialized && view.quirks.keptContext();
     if (fromSignal && goesOnAsItIs(view, keptContext)) {
         markPrerolled(view, true);
         view.hideOverlay();

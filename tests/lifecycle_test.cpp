@@ -98,6 +98,37 @@ const struct Way {
     {"view deleted", WidgetWorkaround, No, [](Host &host) { delete host.view(); }},
 };
 
+/// Parks the picture when its item has reported itself, from the render thread, and before anybody
+/// has heard of it.
+class ParkedInBetween : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ParkedInBetween(Host &host) : m_host(host)
+    {
+        connect(host.videoItem(), SIGNAL(itemInitializedChanged()), this, SLOT(note()),
+                Qt::DirectConnection);
+        host.view()->installEventFilter(this);
+    }
+
+    bool done = false;
+
+public Q_SLOTS:
+    void note() { m_reported = true; }
+
+private:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::MetaCall && m_reported && !std::exchange(done, true))
+            m_host.control->saveObject();
+        return false;
+    }
+
+    Host &m_host;
+    std::atomic<bool> m_reported = false;
+};
+
 } // namespace
 
 class LifecycleTest : public QObject
@@ -250,6 +281,26 @@ private Q_SLOTS:
         connect(window, &QQuickWindow::afterSynchronizing, window, [&] { synchronized = true; });
         host.window->update();
         AWAIT(synchronized);
+    }
+
+    // A film that plays on behind a page of its host that comes and goes.
+    void playsOnWhenItIsParkedAtOnce()
+    {
+        Host host(Host::Quick);
+        openAndPlay(host);
+        hideAndPark(host);
+        const std::uint32_t before = generationOf(host.view());
+        {
+            const ParkedInBetween parked(host);
+            host.control->SysNativeControlShow(1);
+            AWAIT(parked.done);
+            AWAIT(!host.control);
+        }
+        host.create();
+        host.registerRecord();
+        host.control->SysNativeControlShow(1);
+        AWAIT_EQUAL(host.picture(), "RGBW");
+        QCOMPARE(generationOf(host.view()), before);
     }
 
     void fiftyCyclesLeakNothing_data() { addSettings(); }
