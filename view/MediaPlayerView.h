@@ -26,10 +26,9 @@ class cThread;
 /// never shown: the class is a QQuickView so that a Qt Quick host's window can own it.
 ///
 /// [gui] is the application's thread, [update] the view's own, [streaming] GStreamer's, [render] Qt
-/// Quick's, which may be the GUI thread itself; [any] is all of them. What stands without one is
-/// [gui]. The slots stand together in view/slots.cpp and hand
-/// over to the rooms: view/ places the picture and its texts, pipeline/ builds pipelines and
-/// changes their states, update/ listens to the bus and carries out commands.
+/// Quick's, which may be the first; [any] is all of them. What stands without one is [gui]. The
+/// slots stand together in view/slots.cpp and hand over to the rooms: view/ places the picture and
+/// its texts, pipeline/ changes states, update/ listens to the bus and carries out commands.
 class MediaPlayerView : public QQuickView
 {
     Q_OBJECT
