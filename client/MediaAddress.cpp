@@ -57,7 +57,7 @@ MediaAddress::~MediaAddress()
         RedirectServer::forget(address);
 }
 
-void MediaAddress::resolve(const QUrl &given, Receiver receiver)
+void MediaAddress::resolve(const QUrl &given, const Receiver &receiver)
 {
     // Forgotten first, which tells this from an end by a server's silence.
     if (const QPointer<QNetworkReply> before = std::exchange(m_asked, nullptr))
@@ -152,7 +152,8 @@ QNetworkReply *MediaAddress::head(const QUrl &source)
     return reply;
 }
 
-void MediaAddress::askServer(const QUrl &source, std::function<void(const Failure &)> receiver)
+void MediaAddress::askServer(const QUrl &source,
+                             const std::function<void(const Failure &)> &receiver)
 {
     QNetworkReply *const reply = head(source);
     connect(reply, &QNetworkReply::finished, this, [this, reply, receiver] {

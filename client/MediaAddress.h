@@ -43,11 +43,11 @@ public:
     using Receiver = std::function<void(const Resolved &)>;
 
     /// Calls `receiver` at once, or when a server has answered; never after the next call.
-    void resolve(const QUrl &source, Receiver receiver);
+    void resolve(const QUrl &source, const Receiver &receiver);
 
     /// Asks the server what is wrong with the source. No failure: it would deliver. Calls
     /// `receiver` as resolve() does.
-    void askServer(const QUrl &source, std::function<void(const Failure &)> receiver);
+    void askServer(const QUrl &source, const std::function<void(const Failure &)> &receiver);
 
 private:
     Resolved resolveFile(const QString &path);
