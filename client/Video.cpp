@@ -25,9 +25,12 @@ void QmlPlayer::setRelativeSource(const QUrl &source)
     setSource(resolved(this, source));
 }
 
-Video::Video(QQuickItem *parent) : QQuickItem(parent), d(std::make_unique<ItemPlace>(this))
+// The base class would be told of the parent's window before this class is there to hear it.
+Video::Video(QQuickItem *parent) : d(std::make_unique<ItemPlace>(this))
 {
     follow(d->player());
+    setParent(parent);
+    setParentItem(parent);
 }
 
 Video::~Video() = default;

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void fills_data();
     void fills();
     void movesNothing();
+    void madeInCode();
 };
 
 void ClientVideoTest::playsToItsEnd()
@@ -112,6 +113,17 @@ void ClientVideoTest::fills()
                 + properties + "} }");
     AWAIT_EQUAL(scene.find<MediaPlayer::Video>("video")->mediaStatus(), Player::LoadedMedia);
     AWAIT_EQUAL(picture(scene.window(), where), seen);
+}
+
+// As a C++ program makes one: in a window from the start.
+void ClientVideoTest::madeInCode()
+{
+    Scene scene("Window { width: 320; height: 240; visible: true; color: 'magenta' }");
+    MediaPlayer::Video video(qobject_cast<QQuickWindow *>(scene.window())->contentItem());
+    video.setSize({320, 240});
+    video.setFillMode(MediaPlayer::Video::Stretch);
+    video.setSource(media("quadrants.webm"));
+    AWAIT_EQUAL(picture(scene.window()), "RGBW");
 }
 
 // The plug-in moves items that it is given.
