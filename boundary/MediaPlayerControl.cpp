@@ -5,7 +5,6 @@
 #include "diagnostics/Trace.h"
 #include "view/MediaPlayerView.h"
 #include "view/liveViews.h"
-#include "view/parking.h"
 #include "view/placement.h"
 #include "view/scene.h"
 
@@ -73,7 +72,7 @@ MediaPlayerControl::~MediaPlayerControl()
     if (view && view->life.control == this)
         view->scheduleDeletion();
     else if (view && isShownBy(*view, quickWidget))
-        static_cast<void>(park(*view)); // also between command 7 and its answer: the widget goes
+        view->saveObject();
 }
 
 // Showing a widget can run the host's code, as in an event filter.

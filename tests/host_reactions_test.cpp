@@ -249,27 +249,16 @@ private Q_SLOTS:
         AWAIT_EQUAL(host.widget->findChildren<QQuickWidget *>().size(), 1);
     }
 
-    void theNewestControlKeepsThePlayer_data()
-    {
-        QTest::addColumn<bool>("asksForRebinding");
-        QTest::newRow("as it is") << false;
-        QTest::newRow("after command 7") << true;
-    }
     void theNewestControlKeepsThePlayer()
     {
-        QFETCH(bool, asksForRebinding);
         Host host(Host::Widget);
         openAndPlay(host);
         const QPointer<MediaPlayerView> view = host.view();
         const QPointer<BasicWidget> old = host.control;
-        if (asksForRebinding)
-            host.run(MediaPlayerCommandRebind);
         host.create();
         host.registerRecord();
-        if (!asksForRebinding) {
-            old->SysNativeControlShow(0); // acts on its player, whoever has it now
-            AWAIT_EQUAL(int(host.record.attached), 0);
-        }
+        old->SysNativeControlShow(0); // acts on its player, whoever has it now
+        AWAIT_EQUAL(int(host.record.attached), 0);
         host.control->SysNativeControlShow(1);
         old->SysNativeControlDestroy();
         AWAIT_EQUAL(host.picture(), "RGBW");
